@@ -1,0 +1,40 @@
+# Entry points for people and CI. Each build flavour has its own folder.
+GENERATOR = $(shell command -v ninja >/dev/null 2>&1 && echo "-G Ninja")
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+CTEST := ctest --output-on-failure -j$(JOBS) --timeout 600
+
+.PHONY: deps test test-asan test-tsan bench demo clean format
+
+deps:
+	@scripts/install-deps $(DEP_GROUPS)
+
+# Configure only when the folder has no cache yet, so later runs keep their options.
+define configure
+	@if [ ! -f $(1)/CMakeCache.txt ]; then cmake -S . -B $(1) $(GENERATOR) $(2); fi
+endef
+
+test: deps
+	$(call configure,build,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
+	cmake --build build -j$(JOBS)
+	cd build && $(CTEST)
+
+test-asan: deps
+	$(call configure,build-asan,-DCMAKE_BUILD_TYPE=Debug -DIM_SANITIZE=address -DIM_BUILD_BENCH=OFF)
+	cmake --build build-asan -j$(JOBS)
+	cd build-asan && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 $(CTEST)
+
+test-tsan: deps
+	$(call configure,build-tsan,-DCMAKE_BUILD_TYPE=Debug -DIM_SANITIZE=thread -DIM_BUILD_BENCH=OFF)
+	cmake --build build-tsan -j$(JOBS)
+	cd build-tsan && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 setarch $$(uname -m) -R $(CTEST)
+
+bench: deps
+	$(call configure,build,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
+	cmake --build build -j$(JOBS)
+	cmake --build build --target run_benchmarks
+
+format:
+	git ls-files '*.h' '*.cpp' | xargs clang-format -i
+
+clean:
+	rm -rf build build-asan build-tsan

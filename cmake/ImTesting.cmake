@@ -1,0 +1,41 @@
+# Helpers shared by tests/ and bench/.
+find_package(GTest REQUIRED)
+include(GoogleTest)
+
+set(IM_TEST_SCRATCH ${CMAKE_BINARY_DIR}/test-scratch)
+
+# im_add_test(<name> SOURCES ... LIBS ... [QT])
+# One GoogleTest binary; every test runs with its own data folders so that
+# no test reads or writes the developer's home.
+function(im_add_test name)
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock GTest::gtest)
+  if(NOT ARG_QT)
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
+  set(scratch ${IM_TEST_SCRATCH}/${name})
+  set(env
+    "IM_COMMON_DOCS_DIR=${scratch}/docs"
+    "XDG_CONFIG_HOME=${scratch}/config"
+    "XDG_RUNTIME_DIR=${scratch}/run"
+    "QT_QPA_PLATFORM=offscreen"
+    "IM_TEST_DATA_DIR=${CMAKE_SOURCE_DIR}/tests/data")
+  file(MAKE_DIRECTORY ${scratch}/run)
+  # gtest_discover_tests cannot pass a list-valued ENVIRONMENT property, so
+  # every run (discovery included) goes through env(1) instead.
+  set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "env;${env}")
+  gtest_discover_tests(${name}
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 300
+    DISCOVERY_MODE PRE_TEST)
+endfunction()
+
+# im_add_bench(<name> SOURCES ... LIBS ...)
+# `make bench` runs every registered binary and keeps its JSON results.
+function(im_add_bench name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} benchmark::benchmark benchmark::benchmark_main)
+  set_property(GLOBAL APPEND PROPERTY IM_BENCHES ${name})
+endfunction()

@@ -1,0 +1,106 @@
+#include "platform/named_mutex.h"
+
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <fcntl.h>
+#include <thread>
+
+using namespace platform;
+using namespace std::chrono_literals;
+
+namespace {
+
+TEST(NamedMutexName, BytesAreReadInPairsAsUtf16Units) {
+  EXPECT_EQ(NamedMutex::ObjectNameOf("NewMsgmap").size(), 5u);
+  EXPECT_EQ(NamedMutex::ObjectNameOf("NewMsgmap")[0], char16_t('N' | ('e' << 8)));
+  EXPECT_EQ(NamedMutex::ObjectNameOf("NewMsgmap")[4], char16_t('p'));
+  EXPECT_EQ(NamedMutex::ObjectNameOf("MsgConvSet").size(), 5u);
+  EXPECT_NE(NamedMutex::ObjectNameOf("A1Mu"), NamedMutex::ObjectNameOf("A2Mu"));
+}
+
+TEST(NamedMutex, OwnerMayWaitAgainAndMustReleaseAsOften) {
+  auto m = NamedMutex::Create("test-recursive");
+  m->Wait();
+  m->Wait();
+  EXPECT_EQ(m->WaitCount(), 2u);
+  EXPECT_TRUE(m->Release());
+  EXPECT_TRUE(m->Release());
+  EXPECT_FALSE(m->Release());  // not owned any more
+}
+
+TEST(NamedMutex, OnlyTheOwnerMayRelease) {
+  auto m = NamedMutex::Create("test-owner");
+  m->Wait();
+  bool released_elsewhere = true;
+  std::thread([&] { released_elsewhere = m->Release(); }).join();
+  EXPECT_FALSE(released_elsewhere);
+  EXPECT_TRUE(m->Release());
+}
+
+TEST(NamedMutex, TwoHandlesOfOneNameExcludeEachOther) {
+  auto first = NamedMutex::Create("test-shared");
+  auto second = NamedMutex::Create("test-shared");
+  first->Wait();
+  std::atomic<bool> acquired{false};
+  std::thread other([&] {
+    second->Wait();
+    acquired = true;
+    second->Release();
+  });
+  std::this_thread::sleep_for(20ms);
+  EXPECT_FALSE(acquired);
+  first->Release();
+  other.join();
+  EXPECT_TRUE(acquired);
+  EXPECT_EQ(first->WaitCount(), 1u);
+  EXPECT_EQ(second->WaitCount(), 1u);
+}
+
+TEST(NamedMutex, CountersOfEveryThreadSurviveContention) {
+  auto m = NamedMutex::Create("test-counter");
+  long counter = 0;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&] {
+      auto mine = NamedMutex::Create("test-counter");
+      for (int i = 0; i < 500; ++i) {
+        mine->Wait();
+        ++counter;
+        mine->Release();
+      }
+    });
+  }
+  for (auto& th : threads) th.join();
+  EXPECT_EQ(counter, 2000);
+}
+
+TEST(NamedMutex, IsSharedWithOtherProcesses) {
+  auto m = NamedMutex::Create("test-cross-process");
+  m->Wait();
+  pid_t child = fork();
+  if (child == 0) {
+    // A second process opening the same name must find it taken.
+    auto theirs = NamedMutex::Create("test-cross-process");
+    std::string folder = std::string(std::getenv("XDG_RUNTIME_DIR")) + "/im-named-mutex/";
+    std::string hex;
+    char buf[5];
+    for (char16_t u : theirs->ObjectName()) {
+      std::snprintf(buf, sizeof buf, "%04x", unsigned(u));
+      hex += buf;
+    }
+    int fd = open((folder + hex).c_str(), O_RDWR);
+    _exit(fd >= 0 && flock(fd, LOCK_EX | LOCK_NB) != 0 ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  m->Release();
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+}  // namespace
