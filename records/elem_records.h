@@ -32,7 +32,7 @@ enum ElemType : int32_t {
 enum SendStatus : uint32_t { kSendNone = 0, kSending = 1, kSent = 2, kSendFailed = 3 };
 
 // group_tips_elem_tip_type of a group-information change.
-inline constexpr uint32_t kGroupTipInfoChanged = 6;
+inline constexpr int32_t kGroupTipInfoChanged = 6;
 // GroupTipGroupChangeInfoStru::flag values the module acts on.
 inline constexpr uint32_t kGroupChangeName = 1;
 inline constexpr uint32_t kGroupChangeOwner = 5;
@@ -105,7 +105,7 @@ struct ElemStru {
 
   // group tips (5); group_id, group_name, op_user and op_user_info are shared
   // with group report
-  uint32_t tip_type = 0;
+  int32_t tip_type = 0;  // signed here, unsigned in GroupTipsEvent
   WString op_user;
   WString group_name;
   WString group_id;

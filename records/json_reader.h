@@ -69,3 +69,35 @@ bool ParseJsonText(std::string_view text, Json::Value& root);
 void TraceRecordFault(const char* record_name, const std::exception& fault);
 
 }  // namespace records
+
+namespace records {
+
+// Runs `fill` and turns a fault into the record's trace line. True when the
+// record was filled without a fault; on a fault it keeps what was filled.
+template <typename Fill>
+bool GuardRecord(const char* record_name, Fill fill) {
+  try {
+    fill();
+    return true;
+  } catch (const std::exception& fault) {
+    TraceRecordFault(record_name, fault);
+    return false;
+  }
+}
+
+// A JSON array text, each entry parsed with `parse(entry, record)` and
+// appended. False when the text is not JSON or its root is not an array.
+template <typename Record, typename Parse>
+bool ParseArrayText(std::string_view text, std::vector<Record>& out, Parse parse) {
+  Json::Value root;
+  if (!ParseJsonText(text, root) || !root.isArray()) return false;
+  out.reserve(out.size() + root.size());
+  for (const Json::Value& entry : root) {
+    Record record;
+    parse(entry, record);
+    out.push_back(std::move(record));
+  }
+  return true;
+}
+
+}  // namespace records
