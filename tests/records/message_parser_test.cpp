@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 #include "platform/trace.h"
 #include "records/json_reader.h"
 
@@ -246,6 +249,32 @@ TEST(MessageParser, LocatorReadsConvIdAndTypeAsBooleans) {
       Json(R"({"message_locator_conv_id":"x","message_locator_seq":"1"})"), locator));
   EXPECT_TRUE(locator.conv_id);
   EXPECT_TRUE(trace.Contains(">>>>>>>>>>>>>>>>>>>>>>>>>MessageLocator"));
+}
+
+}  // namespace
+
+namespace {
+
+TEST(MessageParser, ParsesOnSeveralThreadsAtOnce) {
+  // The receive path parses on the window thread while send results and
+  // downloads arrive on the SDK's thread.
+  const std::string text =
+      R"([{"message_conv_id":"c","message_elem_array":[{"elem_type":1,"image_elem_orig_id":"o"},
+           {"elem_type":3,"custom_elem_data":"{\"msgType\":1,\"data\":{\"fileId\":2}}"}]}])";
+  std::vector<MessageStru> expected;
+  ASSERT_TRUE(records::ParseMessageArray(text, expected));
+  std::vector<std::thread> threads;
+  std::atomic<int> mismatches{0};
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < 200; ++i) {
+        std::vector<MessageStru> list;
+        if (!records::ParseMessageArray(text, list) || !(list == expected)) ++mismatches;
+      }
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  EXPECT_EQ(mismatches.load(), 0);
 }
 
 }  // namespace
