@@ -193,7 +193,8 @@ void WindowHost::Drain(bool everything) {
 }
 
 bool WindowHost::event(QEvent* event) {
-  BusyScope busy(this);
+  // No BusyScope here: the deferred deletion of this very object comes
+  // through event(). Deliver marks the calls into the window.
   if (event->type() == kWakeEvent) {
     Drain();
     return true;
