@@ -1,6 +1,8 @@
 # Entry points for people and CI. Each build flavour has its own folder.
 GENERATOR = $(shell command -v ninja >/dev/null 2>&1 && echo "-G Ninja")
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+# The windows need Qt, its designer-file loader and a CJK font.
+DEP_GROUPS ?= qt
 CTEST := ctest --output-on-failure -j$(JOBS) --timeout 600
 
 .PHONY: deps test test-asan test-tsan bench demo clean format

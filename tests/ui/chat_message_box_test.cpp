@@ -1,0 +1,161 @@
+// The message box, driven through its modal loop the way a user would.
+#include "ui/dialogs/chat_message_box.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QTest>
+#include <QTimer>
+
+#include "tests/ui/test_window.h"
+
+namespace {
+
+using platform::W;
+
+struct Seen {
+  bool shown = false;
+  bool cancelVisible = false;
+  bool confirmVisible = false;
+  QString title;
+  QString message;
+  QString windowTitle;
+  bool watchdogFired = false;
+};
+
+// Acts on the box once its modal loop runs; a watchdog ends a box that the
+// test failed to close, so a fault fails the test instead of hanging it.
+Seen WithBox(const std::function<void(QWidget*)>& act, const std::function<void()>& show) {
+  Seen seen;
+  std::function<void()> poll = [&] {
+    QWidget* box = QApplication::activeModalWidget();
+    if (!box) {
+      QTimer::singleShot(1, poll);
+      return;
+    }
+    seen.shown = true;
+    seen.windowTitle = box->windowTitle();
+    auto* cancel = box->findChild<QWidget*>("ChatMessagebox_CancelBtn");
+    auto* confirm = box->findChild<QWidget*>("ChatMessagebox_ConfirmBtn");
+    seen.cancelVisible = cancel && cancel->isVisible();
+    seen.confirmVisible = confirm && confirm->isVisible();
+    if (auto* t = box->findChild<QLabel*>("ChatMessagebox_Title")) seen.title = t->text();
+    if (auto* m = box->findChild<QLabel*>("ChatMessagebox_Msg")) seen.message = m->text();
+    act(box);
+  };
+  QTimer::singleShot(0, poll);
+  QTimer watchdog;
+  watchdog.setSingleShot(true);
+  QObject::connect(&watchdog, &QTimer::timeout, [&] {
+    seen.watchdogFired = true;
+    if (QWidget* box = QApplication::activeModalWidget()) box->hide();
+  });
+  watchdog.start(5000);
+  show();
+  return seen;
+}
+
+std::function<void(QWidget*)> Click(const char* name) {
+  return [name](QWidget* box) {
+    auto* button = box->findChild<QAbstractButton*>(name);
+    ASSERT_NE(button, nullptr) << name;
+    QTest::mouseClick(button, Qt::LeftButton);
+  };
+}
+
+TEST(CChatMessageBox, QuestionShowsBothButtonsAndTheTexts) {
+  Seen seen = WithBox(Click("ChatMessagebox_ConfirmBtn"), [] {
+    CChatMessageBox box(W("删除好友"),
+                        W("将联系人 张三 删除，将同时删除与该联系人的聊天记录及图纸文件。"),
+                        nullptr, 1);
+  });
+  ASSERT_TRUE(seen.shown);
+  EXPECT_FALSE(seen.watchdogFired);
+  EXPECT_EQ(seen.title, QString::fromUtf8("删除好友"));
+  EXPECT_EQ(seen.message,
+            QString::fromUtf8("将联系人 张三 删除，将同时删除与该联系人的聊天记录及图纸文件。"));
+  EXPECT_EQ(seen.windowTitle, QStringLiteral("CChatMessageBox"));
+  EXPECT_TRUE(seen.confirmVisible);
+  EXPECT_TRUE(seen.cancelVisible);
+  EXPECT_TRUE(CChatMessageBox::Confirmed());
+}
+
+TEST(CChatMessageBox, NoticeHasNoCancelButton) {
+  Seen seen = WithBox(Click("ChatMessagebox_ConfirmBtn"), [] {
+    CChatMessageBox box(W("错误"), W("图纸不存在或已被删除!"), nullptr, 0);
+  });
+  ASSERT_TRUE(seen.shown);
+  EXPECT_TRUE(seen.confirmVisible);
+  EXPECT_FALSE(seen.cancelVisible);
+  EXPECT_TRUE(CChatMessageBox::Confirmed());
+}
+
+TEST(CChatMessageBox, OnlyTheConfirmButtonConfirms) {
+  struct Case {
+    const char* how;
+    std::function<void(QWidget*)> act;
+    bool confirmed;
+  } cases[] = {
+      {"confirm", Click("ChatMessagebox_ConfirmBtn"), true},
+      {"cancel", Click("ChatMessagebox_CancelBtn"), false},
+      {"close button", Click("ChatMessagebox_closebtn"), false},
+      {"escape", [](QWidget* box) { QTest::keyClick(box, Qt::Key_Escape); }, false},
+      {"title clicked, then cancel",
+       [](QWidget* box) {
+         QTest::mouseClick(box->findChild<QWidget*>("ChatMessagebox_Title"), Qt::LeftButton);
+         Click("ChatMessagebox_CancelBtn")(box);
+       },
+       false},
+  };
+  for (const Case& c : cases) {
+    // A confirmed box first, so that a box which forgets to reset the flag fails.
+    WithBox(Click("ChatMessagebox_ConfirmBtn"),
+            [] { CChatMessageBox box(W("a"), W("b"), nullptr, 1); });
+    ASSERT_TRUE(CChatMessageBox::Confirmed());
+    Seen seen =
+        WithBox(c.act, [] { CChatMessageBox box(W("您确定要退出群聊吗？"), W("?"), nullptr, 1); });
+    EXPECT_FALSE(seen.watchdogFired) << c.how;
+    EXPECT_EQ(CChatMessageBox::Confirmed(), c.confirmed) << c.how;
+  }
+}
+
+TEST(CChatMessageBox, LosingFocusLeavesTheBoxOpen) {
+  bool stillOpen = false;
+  WithBox(
+      [&](QWidget* box) {
+        QApplication::setActiveWindow(box);
+        QApplication::setActiveWindow(nullptr);
+        QCoreApplication::processEvents();
+        stillOpen = box->isVisible();
+        Click("ChatMessagebox_CancelBtn")(box);
+      },
+      [] { CChatMessageBox box(W("t"), W("m"), nullptr, 1); });
+  EXPECT_TRUE(stillOpen);
+  EXPECT_FALSE(CChatMessageBox::Confirmed());
+}
+
+TEST(CChatMessageBox, OwnerGetsNoMessageAndTheBoxCentresOnIt) {
+  ui::test::RecordingWindow owner("KitTest.xml");
+  ASSERT_TRUE(owner.Create(nullptr, W("owner"), ui::WindowStyle::kTopLevel));
+  owner.MoveWindow(ui::Rect{200, 100, 1000, 700});
+  owner.ShowWindow(true);
+  QPoint boxCentre;
+  WithBox(
+      [&](QWidget* box) {
+        boxCentre = box->frameGeometry().center();
+        Click("ChatMessagebox_ConfirmBtn")(box);
+      },
+      [&] { CChatMessageBox box(W("t"), W("m"), &owner, 0); });
+  EXPECT_TRUE(CChatMessageBox::Confirmed());
+  ui::Rect o = owner.GetWindowRect();
+  EXPECT_NEAR(boxCentre.x(), (o.left + o.right) / 2, 1);
+  EXPECT_NEAR(boxCentre.y(), (o.top + o.bottom) / 2, 1);
+  QCoreApplication::processEvents();
+  for (const auto& m : owner.messages) EXPECT_NE(m.msg, platform::msg::kMessageBoxAnswered);
+}
+
+}  // namespace

@@ -1,0 +1,251 @@
+// Controls: notifications they send, attributes, lists and tab layouts.
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+#include <QTextEdit>
+
+#include "platform/trace.h"
+#include "tests/ui/test_window.h"
+#include "ui/kit/qt/control_ref.h"
+#include "ui/kit/qt/image_layer.h"
+
+namespace ui::test {
+namespace {
+
+using platform::W;
+
+class ControlTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(window.Create(nullptr, W("kit"), WindowStyle::kTopLevel));
+    window.ShowWindow(true);
+    QWidget* frame = Widget("KitTest")->window();
+    frame->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(frame));
+    window.notes.clear();
+  }
+  QWidget* Widget(const char* name) { return qt::WidgetOf(window.FindControl(name)); }
+
+  RecordingWindow window{"KitTest.xml"};
+};
+
+TEST_F(ControlTest, ButtonsAndOptionsNotify) {
+  QTest::mouseClick(Widget("Kit_Button"), Qt::LeftButton);
+  EXPECT_EQ(window.Count("click", "Kit_Button"), 1u);
+
+  QTest::mouseClick(Widget("Kit_OptionB"), Qt::LeftButton);
+  EXPECT_EQ(window.Count("click", "Kit_OptionB"), 1u);
+  EXPECT_EQ(window.Count("selectchanged", "Kit_OptionB"), 1u);
+  EXPECT_EQ(window.Count("selectchanged", "Kit_OptionA"), 1u);  // lost the selection
+  EXPECT_TRUE(window.FindControl("Kit_OptionB").IsSelected());
+  EXPECT_FALSE(window.FindControl("Kit_OptionA").IsSelected());
+}
+
+TEST_F(ControlTest, SelectedWithoutEventIsQuietAndCanUnselectAnExclusiveOption) {
+  Control a = window.FindControl("Kit_OptionA");
+  Control b = window.FindControl("Kit_OptionB");
+  a.Selected(false, false);
+  EXPECT_FALSE(a.IsSelected());
+  EXPECT_FALSE(b.IsSelected());
+  EXPECT_TRUE(window.notes.empty());
+  b.Selected(true, true);
+  EXPECT_TRUE(b.IsSelected());
+  EXPECT_EQ(window.Count("selectchanged", "Kit_OptionB"), 1u);
+  EXPECT_EQ(window.Count("click"), 0u);
+}
+
+TEST_F(ControlTest, TypingNotifiesButSettingTextDoesNot) {
+  Control edit = window.FindControl("Kit_Edit");
+  edit.SetText(W("预设"));
+  window.FindControl("Kit_Rich").SetText(W("预设"));
+  EXPECT_EQ(window.Count("textchanged"), 0u);
+  edit.SetFocus();
+  QTest::keyClicks(Widget("Kit_Edit"), "ab");
+  EXPECT_EQ(window.Count("textchanged", "Kit_Edit"), 2u);
+  EXPECT_EQ(edit.GetText(), W("预设ab"));
+  QTest::keyClick(Widget("Kit_Edit"), Qt::Key_Return);
+  EXPECT_EQ(window.Count("return", "Kit_Edit"), 1u);
+}
+
+TEST_F(ControlTest, RichEditReturnSendsAndShiftReturnBreaksTheLine) {
+  QWidget* rich = Widget("Kit_Rich");
+  window.FindControl("Kit_Rich").SetFocus();
+  QTest::keyClicks(rich, "hi");
+  QTest::keyClick(rich, Qt::Key_Return, Qt::ShiftModifier);
+  QTest::keyClicks(rich, "yo");
+  EXPECT_EQ(window.Count("return"), 0u);
+  EXPECT_EQ(window.FindControl("Kit_Rich").GetText(), W("hi\nyo"));
+  QTest::keyClick(rich, Qt::Key_Enter);
+  EXPECT_EQ(window.Count("return", "Kit_Rich"), 1u);
+  EXPECT_EQ(window.FindControl("Kit_Rich").GetText(), W("hi\nyo"));  // nothing inserted
+}
+
+TEST_F(ControlTest, KeyDownReachesTheWindowFirstAndMayBeSwallowed) {
+  window.onMessage = [](unsigned msg, WPARAM key, LPARAM mods) -> LRESULT {
+    return msg == kWmKeyDown && key == 'V' && (mods & kKeyCtrl) ? 1 : 0;
+  };
+  Control rich = window.FindControl("Kit_Rich");
+  rich.SetFocus();
+  QTest::keyClick(Widget("Kit_Rich"), Qt::Key_V, Qt::ControlModifier);
+  QTest::keyClick(Widget("Kit_Rich"), Qt::Key_V);
+  EXPECT_EQ(rich.GetText(), W("v"));  // only the plain key was typed
+}
+
+TEST_F(ControlTest, FocusChangesNotify) {
+  window.FindControl("Kit_Edit").SetFocus();
+  window.FindControl("Kit_Rich").SetFocus();
+  EXPECT_EQ(window.Count("setfocus", "Kit_Edit"), 1u);
+  EXPECT_EQ(window.Count("killfocus", "Kit_Edit"), 1u);
+  EXPECT_EQ(window.Count("setfocus", "Kit_Rich"), 1u);
+}
+
+TEST_F(ControlTest, RightClickNotifiesOnceWithTheControlAndPoint) {
+  Point point;
+  window.onNotify = [&](TNotifyUI& msg) {
+    if (msg.sType == kNotifyRButtonUp) point = msg.ptMouse;
+  };
+  QWidget* label = Widget("Kit_Label");
+  QTest::mouseClick(label, Qt::RightButton, Qt::NoModifier, QPoint(5, 6));
+  EXPECT_EQ(window.Count("rbuttonup"), 1u);
+  EXPECT_EQ(window.Count("rbuttonup", "Kit_Label"), 1u);
+  Rect pos = window.FindControl("Kit_Label").GetPos();
+  EXPECT_EQ(point.x, pos.left + 5);
+  EXPECT_EQ(point.y, pos.top + 6);
+  EXPECT_EQ(window.FindControlAt(point), window.FindControl("Kit_Label"));
+}
+
+TEST_F(ControlTest, DoubleClickReachesTheWindow) {
+  window.onMessage = [](unsigned, WPARAM, LPARAM) -> LRESULT { return 0; };
+  QTest::mouseDClick(Widget("Kit_Label"), Qt::LeftButton, Qt::NoModifier, QPoint(3, 4));
+  size_t dbl = 0;
+  for (const auto& m : window.messages) dbl += m.msg == kWmLButtonDblClk;
+  EXPECT_EQ(dbl, 1u);
+}
+
+TEST_F(ControlTest, ListItemsFromTemplates) {
+  Control list = window.FindControl("Kit_List");
+  std::vector<Control> items;
+  for (int i = 0; i < 3; ++i) {
+    Control item = window.CreateFromSkin("KitItem.xml");
+    ASSERT_TRUE(item);
+    item.SetUserData(W("id" + std::to_string(i)));
+    item.SetFixedHeight(40);
+    items.push_back(item);
+  }
+  EXPECT_FALSE(window.FindControl("Kit_Item"));  // not in the window until added
+  EXPECT_TRUE(list.Add(items[0]));
+  EXPECT_TRUE(list.Add(items[2]));
+  EXPECT_TRUE(list.AddAt(items[1], 1));
+  ASSERT_EQ(list.GetCount(), 3);
+  for (int i = 0; i < 3; ++i)
+    EXPECT_EQ(list.GetItemAt(i).GetUserData(), W("id" + std::to_string(i)));
+  EXPECT_EQ(list.GetItemIndex(items[2]), 2);
+  EXPECT_FALSE(list.GetItemAt(3));
+  EXPECT_EQ(items[1].GetFixedHeight(), 40);
+  EXPECT_TRUE(items[1].IsInside(list));
+  EXPECT_EQ(items[1].GetParent(), list);
+  EXPECT_EQ(items[1].FindSubControl("Kit_ItemName").GetParent(), items[1]);
+  EXPECT_FALSE(window.FindControl("Kit_Button").Add(items[0]));  // not a list
+
+  QCoreApplication::processEvents();
+  QTest::mouseClick(qt::WidgetOf(items[1].FindSubControl("Kit_ItemName")), Qt::LeftButton);
+  ASSERT_EQ(window.Count("itemclick"), 1u);
+  QTest::mouseClick(qt::WidgetOf(items[1].FindSubControl("Kit_ItemBtn")), Qt::LeftButton);
+  EXPECT_EQ(window.Count("click", "Kit_ItemBtn"), 1u);
+  EXPECT_EQ(window.Count("itemclick"), 1u);  // a button in an item is a click, not an item click
+
+  EXPECT_TRUE(list.Remove(items[0]));
+  EXPECT_FALSE(items[0]);
+  EXPECT_EQ(list.GetCount(), 2);
+  list.RemoveAll();
+  EXPECT_EQ(list.GetCount(), 0);
+  EXPECT_FALSE(items[1]);
+  EXPECT_FALSE(window.CreateFromSkin("NoSuchItem.xml"));
+}
+
+TEST_F(ControlTest, ItemClickCarriesTheItem) {
+  Control list = window.FindControl("Kit_List");
+  Control item = window.CreateFromSkin("KitItem.xml");
+  item.SetName("group_node_item");
+  item.SetUserData(W("conv-1"));
+  ASSERT_TRUE(list.Add(item));
+  WString data;
+  window.onNotify = [&](TNotifyUI& msg) {
+    if (msg.sType == kNotifyItemClick) data = msg.pSender.GetUserData();
+  };
+  QCoreApplication::processEvents();
+  QTest::mouseClick(qt::WidgetOf(item), Qt::LeftButton, Qt::NoModifier, QPoint(2, 2));
+  EXPECT_EQ(window.Count("itemclick", "group_node_item"), 1u);
+  EXPECT_EQ(data, W("conv-1"));
+}
+
+TEST_F(ControlTest, TabLayoutSelectsPagesInRange) {
+  Control tabs = window.FindControl("Kit_Tabs");
+  EXPECT_EQ(tabs.GetPageCount(), 3);
+  EXPECT_TRUE(tabs.SelectItem(2));
+  EXPECT_EQ(tabs.GetCurSel(), 2);
+  EXPECT_FALSE(tabs.SelectItem(3));
+  EXPECT_FALSE(tabs.SelectItem(-1));
+  EXPECT_EQ(tabs.GetCurSel(), 2);
+  EXPECT_EQ(window.FindControl("Kit_Button").GetCurSel(), -1);
+}
+
+TEST_F(ControlTest, PlainAttributes) {
+  Control label = window.FindControl("Kit_Label");
+  EXPECT_TRUE(label.SetAttribute("text", "<b>张三</b>"));
+  EXPECT_EQ(label.GetText(), W("<b>张三</b>"));
+  EXPECT_EQ(static_cast<QLabel*>(qt::WidgetOf(label))->textFormat(), Qt::PlainText);
+  EXPECT_TRUE(label.SetAttribute("tooltip", "C:\\下载"));
+  EXPECT_EQ(label.GetToolTip(), W("C:\\下载"));
+  EXPECT_TRUE(label.SetAttribute("userdata", "u1"));
+  EXPECT_EQ(label.GetUserData(), W("u1"));
+  EXPECT_TRUE(label.SetAttribute("visible", "false"));
+  EXPECT_FALSE(label.IsVisible());
+  EXPECT_TRUE(label.SetAttribute("mouse", "false"));
+  EXPECT_TRUE(qt::WidgetOf(label)->testAttribute(Qt::WA_TransparentForMouseEvents));
+  EXPECT_TRUE(label.SetAttribute("height", "33"));
+  EXPECT_EQ(label.GetFixedHeight(), 33);
+  Control button = window.FindControl("Kit_Button");
+  EXPECT_TRUE(button.SetAttribute("enabled", "false"));
+  EXPECT_FALSE(button.IsEnabled());
+  EXPECT_EQ(button.GetAttribute("enabled"), W("false"));
+
+  platform::ScopedTraceCapture trace;
+  EXPECT_FALSE(button.SetAttribute("enabled", "no"));
+  EXPECT_FALSE(button.SetAttribute("bkcolor", "red"));
+  EXPECT_FALSE(button.SetAttribute("glow", "true"));
+  EXPECT_FALSE(button.SetAttribute("height", "-4"));
+  EXPECT_EQ(trace.Count("SetAttribute"), 4u);
+  EXPECT_FALSE(button.IsEnabled());  // a bad value changes nothing
+}
+
+TEST_F(ControlTest, ColoursShowOnScreen) {
+  Control button = window.FindControl("Kit_Button");
+  button.SetText(W(""));
+  ASSERT_TRUE(button.SetAttribute("bkcolor", "#FF424C58"));
+  ASSERT_TRUE(button.SetAttribute("textcolor", "#FF8F8F8F"));
+  ASSERT_TRUE(button.SetAttribute("bkcolor", "#FF212830"));  // replaces, not piles up
+  QWidget* w = qt::WidgetOf(button);
+  QImage shot = w->grab().toImage();
+  EXPECT_EQ(shot.pixelColor(shot.width() / 2, shot.height() / 2), QColor(0x21, 0x28, 0x30));
+  EXPECT_TRUE(w->styleSheet().contains("color:rgba(143,143,143,255)"));
+}
+
+TEST_F(ControlTest, RemovedControlHandlesAreInert) {
+  Control item = window.CreateFromSkin("KitItem.xml");
+  Control name = item.FindSubControl("Kit_ItemName");
+  item.Delete();
+  EXPECT_FALSE(name);
+  name.SetText(W("x"));
+  EXPECT_EQ(name.GetText(), WString());
+  EXPECT_FALSE(name.SetAttribute("text", "x"));
+  EXPECT_EQ(name.GetCount(), 0);
+}
+
+}  // namespace
+}  // namespace ui::test

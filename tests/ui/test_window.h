@@ -1,0 +1,85 @@
+#pragma once
+// A window for the tests: any skin, records every notification and message.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+
+#include "ui/kit/window_impl_base.h"
+
+namespace ui::test {
+
+class RecordingWindow : public WindowImplBase {
+ public:
+  // Skins of the kit tests live beside them; the product's skins in DuiLibRes.
+  explicit RecordingWindow(std::string skin, std::string folder = "tests\\ui\\skins\\")
+      : skin_(std::move(skin)), folder_(std::move(folder)) {}
+
+  struct Seen {
+    std::string type;
+    std::string sender;
+  };
+  std::vector<Seen> notes;
+  std::vector<platform::WindowMessage> messages;
+  int finalMessages = 0;
+  bool initWindowRan = false;
+  bool hideOnClose = false;
+  std::function<void(TNotifyUI&)> onNotify;
+  std::function<LRESULT(unsigned, WPARAM, LPARAM)> onMessage;
+
+  size_t Count(const std::string& type, const std::string& sender = {}) const {
+    size_t n = 0;
+    for (const Seen& s : notes) n += s.type == type && (sender.empty() || s.sender == sender);
+    return n;
+  }
+
+ protected:
+  std::string GetSkinFolder() const override { return folder_; }
+  std::string GetSkinFile() const override { return skin_; }
+  std::string GetWindowClassName() const override { return "RecordingWindow"; }
+  void InitWindow() override { initWindowRan = true; }
+  void Notify(TNotifyUI& msg) override {
+    notes.push_back({msg.sType, msg.pSender.GetName()});
+    if (onNotify) onNotify(msg);
+  }
+  LRESULT HandleCustomMessage(unsigned uMsg, WPARAM wParam, LPARAM lParam,
+                              bool& bHandled) override {
+    messages.push_back({uMsg, wParam, lParam});
+    // A non-zero result from onMessage handles the message; zero passes it on.
+    if (onMessage) {
+      LRESULT result = onMessage(uMsg, wParam, lParam);
+      if (result != 0) {
+        bHandled = true;
+        return result;
+      }
+    }
+    return WindowImplBase::HandleCustomMessage(uMsg, wParam, lParam, bHandled);
+  }
+  LRESULT OnClose(unsigned, WPARAM, LPARAM, bool& bHandled) override {
+    if (hideOnClose) {
+      ShowWindow(false);
+      bHandled = true;
+    }
+    return 0;
+  }
+  void OnFinalMessage() override { ++finalMessages; }
+
+ private:
+  std::string skin_;
+  std::string folder_;
+};
+
+// Runs the event loop until `done` holds or the time is up.
+inline bool PumpUntil(const std::function<bool()>& done, int milliseconds = 5000) {
+  QDeadlineTimer deadline(milliseconds);
+  while (!done()) {
+    if (deadline.hasExpired()) return false;
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+  }
+  return true;
+}
+
+}  // namespace ui::test

@@ -1,0 +1,197 @@
+// The window frame: skins, life cycle, closing, timers and focus.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QEvent>
+#include <QKeyEvent>
+#include <QTimer>
+#include <QWidget>
+
+#include "platform/trace.h"
+#include "tests/ui/test_window.h"
+#include "ui/kit/qt/control_ref.h"
+
+namespace ui::test {
+namespace {
+
+TEST(WindowImplBase, CreateLoadsTheSkinAndInitialisesBeforeWindowInit) {
+  RecordingWindow w("KitTest.xml");
+  bool controlsAtInit = false;
+  w.onNotify = [&](TNotifyUI& msg) {
+    if (msg.sType == kNotifyWindowInit) controlsAtInit = w.FindControl("Kit_Button").IsValid();
+  };
+  ASSERT_TRUE(w.Create(nullptr, platform::W("测试")));
+  EXPECT_TRUE(w.initWindowRan);
+  ASSERT_FALSE(w.notes.empty());
+  EXPECT_EQ(w.notes.front().type, "windowinit");
+  EXPECT_EQ(w.Count("windowinit"), 1u);
+  EXPECT_TRUE(controlsAtInit);
+  EXPECT_TRUE(platform::IsWindow(w.GetHWND()));
+  EXPECT_EQ(w.FindControl("Kit_Label").GetText(), platform::W("标签"));
+  EXPECT_EQ(w.FindControl("KitTest").GetName(), "KitTest");  // the skin's root is a control
+  EXPECT_FALSE(w.FindControl("NoSuchControl"));
+  EXPECT_FALSE(w.Create(nullptr, platform::W("again")));  // one window per object
+}
+
+TEST(WindowImplBase, MissingOrBrokenSkinLeavesAWindowlessObject) {
+  for (const char* skin : {"NoSuchSkin.xml", "Broken.xml"}) {
+    platform::ScopedTraceCapture trace;
+    RecordingWindow w(skin);
+    EXPECT_FALSE(w.Create(nullptr, platform::W("x"))) << skin;
+    EXPECT_TRUE(trace.Contains("LoadSkin")) << skin;
+    EXPECT_FALSE(w.IsCreated());
+    EXPECT_FALSE(w.initWindowRan);
+    EXPECT_TRUE(w.notes.empty());
+    EXPECT_EQ(w.GetHWND(), platform::WindowHandle::kNone);
+    EXPECT_FALSE(w.FindControl("Kit_Button"));
+    EXPECT_EQ(w.ShowModal(), -1);
+    w.Close(1);  // harmless
+  }
+}
+
+TEST(WindowImplBase, CloseDestroysWithTheCodeAndEndsTheModalLoop) {
+  RecordingWindow w("KitTest.xml");
+  ASSERT_TRUE(w.Create(nullptr, platform::W("x")));
+  platform::WindowHandle handle = w.GetHWND();
+  Control button = w.FindControl("Kit_Button");
+  QTimer::singleShot(0, [&] { w.Close(7); });
+  EXPECT_EQ(w.ShowModal(), 7);
+  EXPECT_EQ(w.finalMessages, 1);
+  EXPECT_FALSE(w.IsCreated());
+  EXPECT_FALSE(platform::IsWindow(handle));
+  EXPECT_FALSE(platform::PostMessage(handle, 3184, 0, 0));
+  EXPECT_FALSE(button);  // handles do not dangle
+  button.SetText(platform::W("ignored"));
+  EXPECT_FALSE(w.FindControl("Kit_Button"));
+}
+
+TEST(WindowImplBase, OnCloseMayHideInsteadOfDestroying) {
+  RecordingWindow w("KitTest.xml");
+  w.hideOnClose = true;
+  ASSERT_TRUE(w.Create(nullptr, platform::W("x"), WindowStyle::kTopLevel));
+  w.ShowWindow(true);
+  ASSERT_TRUE(w.IsWindowVisible());
+  w.Close(1);
+  w.Close(1);
+  ASSERT_TRUE(PumpUntil([&] { return !w.IsWindowVisible(); }));
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(w.IsCreated());
+  EXPECT_EQ(w.finalMessages, 0);
+  EXPECT_TRUE(platform::IsWindow(w.GetHWND()));
+  w.ShowWindow(true);
+  EXPECT_TRUE(w.IsWindowVisible());
+  // A close from outside the kit goes the same way.
+  QWidget* frame = qt::WidgetOf(w.FindControl("KitTest"))->window();
+  frame->close();
+  EXPECT_FALSE(w.IsWindowVisible());
+  EXPECT_TRUE(w.IsCreated());
+}
+
+TEST(WindowImplBase, EscapeClosesWithCancelCode) {
+  RecordingWindow w("KitTest.xml");
+  ASSERT_TRUE(w.Create(nullptr, platform::W("x")));
+  QWidget* frame = qt::WidgetOf(w.FindControl("KitTest"))->window();
+  QTimer::singleShot(0, [&] {
+    QKeyEvent esc(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(frame, &esc);
+  });
+  EXPECT_EQ(w.ShowModal(), 2);
+}
+
+TEST(WindowImplBase, TimersAreOneShotAndRestartable) {
+  RecordingWindow w("KitTest.xml");
+  ASSERT_TRUE(w.Create(nullptr, platform::W("x")));
+  auto timerCount = [&](unsigned id) {
+    size_t n = 0;
+    for (const auto& m : w.messages) n += m.msg == kWmTimer && m.wParam == id;
+    return n;
+  };
+  w.SetTimer(9996, 20);
+  w.SetTimer(9996, 30);  // restarts: still one firing
+  w.SetTimer(9997, 10);
+  w.SetTimer(9998, 10);
+  w.KillTimer(9998);
+  EXPECT_TRUE(w.IsTimerPending(9996));
+  EXPECT_FALSE(w.IsTimerPending(9998));
+  ASSERT_TRUE(PumpUntil([&] { return timerCount(9996) == 1 && timerCount(9997) == 1; }));
+  PumpUntil([] { return false; }, 80);  // a wrongly repeating timer would fire again here
+  EXPECT_EQ(timerCount(9996), 1u);
+  EXPECT_EQ(timerCount(9997), 1u);
+  EXPECT_EQ(timerCount(9998), 0u);
+  EXPECT_FALSE(w.IsTimerPending(9996));
+}
+
+TEST(WindowImplBase, LosingActivationReachesOnKillFocus) {
+  struct Ignoring : RecordingWindow {
+    Ignoring() : RecordingWindow("KitTest.xml") {}
+    int kills = 0;
+    LRESULT OnKillFocus(unsigned, WPARAM, LPARAM, bool& handled) override {
+      ++kills;
+      handled = true;
+      return 0;
+    }
+  } w;
+  ASSERT_TRUE(w.Create(nullptr, platform::W("x")));
+  w.ShowWindow(true);
+  QWidget* frame = qt::WidgetOf(w.FindControl("KitTest"))->window();
+  QApplication::setActiveWindow(frame);
+  EXPECT_EQ(w.kills, 0);
+  QApplication::setActiveWindow(nullptr);  // another application took the focus
+  EXPECT_EQ(w.kills, 1);
+  for (const auto& m : w.messages) EXPECT_NE(m.msg, kWmKillFocus);  // handled, not passed on
+}
+
+TEST(WindowImplBase, ResizeSendsSizeWithClientDimensions) {
+  RecordingWindow w("KitTest.xml");
+  ASSERT_TRUE(w.Create(nullptr, platform::W("x"), WindowStyle::kTopLevel));
+  w.ShowWindow(true);
+  w.messages.clear();
+  w.ResizeClient(500, 600);
+  QCoreApplication::processEvents();
+  bool seen = false;
+  for (const auto& m : w.messages) {
+    if (m.msg == kWmSize) seen = LowWord(m.lParam) == 500 && HighWord(m.lParam) == 600;
+  }
+  EXPECT_TRUE(seen);
+  Rect r = w.GetWindowRect();
+  EXPECT_EQ(r.Height(), 600);
+}
+
+TEST(WindowImplBase, SelfDeletingWindowIsSafe) {
+  struct SelfDeleting : RecordingWindow {
+    explicit SelfDeleting(bool* gone) : RecordingWindow("KitTest.xml"), gone_(gone) {}
+    ~SelfDeleting() override { *gone_ = true; }
+    void OnFinalMessage() override { delete this; }
+    bool* gone_;
+  };
+  bool gone = false;
+  auto* w = new SelfDeleting(&gone);
+  ASSERT_TRUE(w->Create(nullptr, platform::W("x")));
+  w->ShowWindow(true);
+  // Closed from its own button's click, the usual way for such windows.
+  w->onNotify = [w](TNotifyUI& msg) {
+    if (msg.sType == kNotifyClick) w->Close(1);
+  };
+  QWidget* button = qt::WidgetOf(w->FindControl("Kit_Button"));
+  QMetaObject::invokeMethod(button, "click", Qt::QueuedConnection);
+  ASSERT_TRUE(PumpUntil([&] { return gone; }));
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+TEST(WindowImplBase, OwnedWindowCentresOnItsOwner) {
+  RecordingWindow owner("KitTest.xml");
+  ASSERT_TRUE(owner.Create(nullptr, platform::W("owner"), WindowStyle::kTopLevel));
+  owner.MoveWindow(Rect{100, 100, 900, 700});
+  owner.ShowWindow(true);
+  RecordingWindow child("KitItem.xml");
+  ASSERT_TRUE(child.Create(&owner, platform::W("child")));
+  EXPECT_EQ(child.GetOwner(), &owner);
+  child.CenterWindow();
+  Rect o = owner.GetWindowRect();
+  Rect c = child.GetWindowRect();
+  EXPECT_NEAR((c.left + c.right) / 2, (o.left + o.right) / 2, 1);
+  EXPECT_NEAR((c.top + c.bottom) / 2, (o.top + o.bottom) / 2, 1);
+}
+
+}  // namespace
+}  // namespace ui::test

@@ -1,0 +1,46 @@
+#pragma once
+// The module's one message box: a title, a text, a confirm button and, for
+// questions, a cancel button. Constructing it shows it modally and returns
+// when it is closed; the answer is the module-wide "confirmed" flag, which
+// every box overwrites, so read it before showing another.
+
+#include "platform/strings.h"
+#include "ui/kit/window_impl_base.h"
+
+class CChatMessageBox final : public ui::WindowImplBase {
+ public:
+  enum Mode : unsigned char { kNotice = 0, kQuestion = 1 };
+
+  // `mode` 1: confirm and cancel; 0: confirm only. `owner` may be null.
+  CChatMessageBox(const WString& title, const WString& message, ui::WindowImplBase* owner,
+                  unsigned char mode);
+  ~CChatMessageBox() override;
+
+  // True only when the last box was answered with its confirm button.
+  static bool Confirmed();
+
+ protected:
+  std::string GetWindowClassName() const override { return "CChatMessageBox"; }
+  std::string GetSkinFile() const override { return "ChatMessageBox.xml"; }
+  void Notify(ui::TNotifyUI& msg) override;
+  // A click elsewhere leaves the box alone.
+  ui::LRESULT OnKillFocus(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam,
+                          bool& bHandled) override;
+
+ private:
+  void OnWindowInit();
+
+  WString title_;
+  WString message_;
+  bool showConfirm_ = true;
+  bool showCancel_;
+  // Posting kMessageBoxAnswered to the owner on confirm. Kept off: the box is
+  // modal, so callers read the flag instead.
+  bool notifyOwner_ = false;
+
+  ui::Control closeBtn_;
+  ui::Control titleLabel_;
+  ui::Control messageLabel_;
+  ui::Control confirmBtn_;
+  ui::Control cancelBtn_;
+};

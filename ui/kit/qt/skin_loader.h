@@ -1,0 +1,14 @@
+#pragma once
+// Loads skin files (Designer XML under the names windows give them) and knows
+// the kit's own widget classes.
+
+#include <QString>
+#include <QWidget>
+
+namespace ui::qt {
+
+// Returns the skin's root widget, parented to `parent`, or null after a trace
+// naming the file and the reason.
+QWidget* LoadSkin(const QString& skinFolder, const QString& skinFile, QWidget* parent);
+
+}  // namespace ui::qt

@@ -1,0 +1,83 @@
+#pragma once
+// The toolkit window behind a WindowImplBase: holds the loaded skin, turns
+// toolkit signals and events into notifications and window messages, and
+// receives posted messages through a mailbox that any thread may fill.
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string_view>
+
+#include <QDialog>
+
+#include "platform/window_messages.h"
+#include "ui/kit/window_impl_base.h"
+
+class QTimer;
+
+namespace ui {
+
+class WindowHost : public QDialog {
+  Q_OBJECT
+ public:
+  WindowHost(WindowImplBase* window, QWidget* ownerHost, WindowStyle style);
+  ~WindowHost() override;
+
+  bool Attach(QWidget* root);  // the loaded skin
+  QWidget* root() const { return root_; }
+  QWidget* orphanage() const { return orphanage_; }
+  platform::WindowHandle handle() const { return handle_; }
+  // Connects every widget under `root` to the window's Notify.
+  void Wire(QWidget* root);
+
+  void SetTimer(unsigned id, unsigned milliseconds);
+  void KillTimer(unsigned id);
+  bool IsTimerPending(unsigned id) const;
+
+  // Stops posting, kills timers and hands messages already accepted to the
+  // window, so that their payloads are freed by the window code.
+  void Shutdown();
+  // Cuts the link to the window object; the host is then only waiting to be deleted.
+  void Detach() { window_ = nullptr; }
+  bool detached() const { return window_ == nullptr; }
+  bool busy() const { return busy_ > 0; }
+  bool shuttingDown() const { return shuttingDown_; }
+
+  void SendNotify(QWidget* sender, std::string_view type, QPoint windowPos = {},
+                  platform::WPARAM wParam = 0, platform::LPARAM lParam = 0);
+
+ public slots:
+  void reject() override;
+
+ protected:
+  void customEvent(QEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  struct Mailbox {
+    std::mutex mutex;
+    std::deque<platform::WindowMessage> queue;
+    bool wakePending = false;
+    QObject* target = nullptr;  // valid while the handle is registered
+  };
+  class BusyScope;
+
+  void Drain(bool everything = false);
+  LRESULT Deliver(unsigned msg, platform::WPARAM wParam, platform::LPARAM lParam);
+  bool FilterInput(QWidget* widget, QEvent* event);
+
+  WindowImplBase* window_;
+  QWidget* root_ = nullptr;
+  QWidget* orphanage_;
+  std::shared_ptr<Mailbox> mailbox_;
+  platform::WindowHandle handle_ = platform::WindowHandle::kNone;
+  std::map<unsigned, QTimer*> timers_;
+  int busy_ = 0;
+  bool shuttingDown_ = false;
+};
+
+}  // namespace ui
