@@ -1,6 +1,7 @@
 // Start-up, configuration and sign-in functions.
 #include <cstring>
 #include <mutex>
+#include <optional>
 
 #include "imsdk/call_log.h"
 #include "imsdk/failure_queue.h"
@@ -22,6 +23,51 @@ Json::Value& CurrentConfig() {
   return config;
 }
 
+// A configuration set before TIMInit: its result is delivered by the
+// callback thread that TIMInit starts, so that no callback ever runs inside
+// the caller's call.
+struct EarlyConfigResult {
+  TIMCommCallback cb = nullptr;
+  void* user_data = nullptr;
+  int callback_level = 0;
+  std::string json;
+};
+std::optional<EarlyConfigResult>& EarlyConfig() {
+  static std::optional<EarlyConfigResult> early;
+  return early;
+}
+
+// Checks the keys and merges them into the configuration in force; returns
+// the merged configuration's text through `merged`.
+int ApplyConfig(const char* json_config, int* callback_level, std::string* merged) {
+  Json::Value param;
+  if (int code = ParseParam(json_config, Json::objectValue, false, &param)) return code;
+  ParamReader reader(param);
+  reader.Int64("set_config_log_level");
+  *callback_level = static_cast<int>(reader.Int64("set_config_callback_log_level", 0));
+  const Json::Value& user_config = reader.Object("set_config_user_config");
+  reader.String("set_config_user_define_data");
+  ParamReader user_reader(user_config);
+  user_reader.Bool("user_config_is_read_receipt");
+  if (!reader.ok() || !user_reader.ok()) return TIM_ERR_INVALID_JSON;
+  std::lock_guard lock(ConfigMutex());
+  for (const auto& key : param.getMemberNames()) CurrentConfig()[key] = param[key];
+  *merged = WriteJson(CurrentConfig());
+  return TIM_SUCC;
+}
+
+void DeliverEarlyConfig() {
+  std::optional<EarlyConfigResult> early;
+  {
+    std::lock_guard lock(ConfigMutex());
+    early.swap(EarlyConfig());
+  }
+  std::shared_ptr<Runtime> rt = CurrentRuntime();
+  if (!early || !rt) return;
+  rt->SetCallbackLogLevel(early->callback_level);
+  rt->Result("TIMSetConfig", early->cb, early->user_data)(TIM_SUCC, "", early->json);
+}
+
 }  // namespace
 
 extern "C" {
@@ -40,7 +86,9 @@ int TIMInit(uint64_t sdk_app_id, const char* json_sdk_config) {
   reader.String("sdk_config_log_file_path");
   reader.String("sdk_config_config_file_path");
   if (!reader.ok()) return TIM_ERR_INVALID_JSON;
-  return StartRuntime(config);
+  const int code = StartRuntime(config);
+  if (code == TIM_SUCC) DeliverEarlyConfig();
+  return code;
 }
 
 int TIMUninit(void) {
@@ -51,24 +99,21 @@ int TIMUninit(void) {
 int TIMSetConfig(const char* json_config, TIMCommCallback cb, void* user_data) {
   Json::Value log;
   if (CallLogEnabled()) log["json_config"] = LogText(json_config);
+  if (!CurrentRuntime()) {
+    // Before TIMInit: kept, and answered once the SDK runs.
+    LogCall("TIMSetConfig", log);
+    if (int code = FailureQueue::Calls().Take("TIMSetConfig")) return code;
+    EarlyConfigResult early{cb, user_data, 0, {}};
+    if (int code = ApplyConfig(json_config, &early.callback_level, &early.json)) return code;
+    std::lock_guard lock(ConfigMutex());
+    EarlyConfig() = std::move(early);
+    return TIM_SUCC;
+  }
   return Forward("TIMSetConfig", log, [&](Runtime& rt) -> int {
-    Json::Value param;
-    if (int code = ParseParam(json_config, Json::objectValue, false, &param)) return code;
-    ParamReader reader(param);
-    reader.Int64("set_config_log_level");
-    int64_t callback_level = reader.Int64("set_config_callback_log_level", 0);
-    const Json::Value& user_config = reader.Object("set_config_user_config");
-    reader.String("set_config_user_define_data");
-    ParamReader user_reader(user_config);
-    user_reader.Bool("user_config_is_read_receipt");
-    if (!reader.ok() || !user_reader.ok()) return TIM_ERR_INVALID_JSON;
+    int callback_level = 0;
     std::string result;
-    {
-      std::lock_guard lock(ConfigMutex());
-      for (const auto& key : param.getMemberNames()) CurrentConfig()[key] = param[key];
-      result = WriteJson(CurrentConfig());
-    }
-    rt.SetCallbackLogLevel(static_cast<int>(callback_level));
+    if (int code = ApplyConfig(json_config, &callback_level, &result)) return code;
+    rt.SetCallbackLogLevel(callback_level);
     rt.Result("TIMSetConfig", cb, user_data)(TIM_SUCC, "", result);
     return TIM_SUCC;
   });

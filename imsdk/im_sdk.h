@@ -213,9 +213,10 @@ IMSDK_API int TIMUninit(void);
  * "set_config_callback_log_level" (numbers: log lines below this level are
  * not given to the log callback), "set_config_user_config" (object,
  * "user_config_is_read_receipt" boolean), "set_config_user_define_data"
- * (string). Callable before TIMInit's sign-in; needs TIMInit.
+ * (string). May be called before TIMInit: the configuration is kept and
+ * its result callback runs once TIMInit has started the SDK.
  * Result callback with json_params = the configuration now in force.
- * Returns 0, TIM_ERR_NOT_INITIALIZED, TIM_ERR_INVALID_JSON. */
+ * Returns 0, TIM_ERR_INVALID_JSON. */
 IMSDK_API int TIMSetConfig(const char* json_config, TIMCommCallback cb, void* user_data);
 
 /* Signs in user_id with user_sig. Result codes: 0, TIM_ERR_ACCOUNT_NOT_FOUND,

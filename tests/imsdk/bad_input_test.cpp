@@ -153,7 +153,6 @@ TEST_F(SdkTest, EverythingIsRefusedBeforeInitAndAfterUninit) {
   const int n = TIM_ERR_NOT_INITIALIZED;
   EXPECT_EQ(TIMLogin("alice", "x", OnResult, t), n);
   EXPECT_EQ(TIMLogout(OnResult, t), n);
-  EXPECT_EQ(TIMSetConfig("{}", OnResult, t), n);
   EXPECT_EQ(TIMConvGetConvList(OnResult, t), n);
   EXPECT_EQ(TIMConvCreate("a", 1, OnResult, t), n);
   EXPECT_EQ(TIMMsgSendNewMsg(nullptr, 0, nullptr, OnResult, t), n);

@@ -180,6 +180,20 @@ TEST_F(SdkTest, SetConfigReportsTheConfigurationAndFiltersLogLines) {
   EXPECT_EQ(rec.Count("log"), 0u);
 }
 
+TEST_F(SdkTest, ConfigSetBeforeInitIsAnsweredOnceTheSdkRuns) {
+  ASSERT_EQ(TIMUninit(), TIM_SUCC);
+  ASSERT_EQ(TIMSetConfig(R"({"set_config_user_define_data":"early"})", OnResult, Tag("early")),
+            TIM_SUCC);
+  EXPECT_EQ(TIMSetConfig("[1]", OnResult, Tag("bad")), TIM_ERR_INVALID_JSON);
+  EXPECT_EQ(rec.Count("early"), 0u);  // nothing runs before the SDK does
+  ASSERT_EQ(TIMInit(1400000001, "{}"), TIM_SUCC);
+  Record result = rec.Result("early");
+  EXPECT_EQ(result.code, TIM_SUCC);
+  EXPECT_NE(result.thread, std::this_thread::get_id());
+  EXPECT_EQ(Parse(result.json)["set_config_user_define_data"].asString(), "early");
+  EXPECT_EQ(rec.Count("bad"), 0u);
+}
+
 TEST_F(SdkTest, CallLogHasOneLinePerCallAndCallback) {
   std::string path = std::string(std::getenv("XDG_RUNTIME_DIR")) + "/calls.jsonl";
   std::remove(path.c_str());
