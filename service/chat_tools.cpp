@@ -37,7 +37,10 @@ NoWindow& NoWindowPort() {
 
 CChatTools::CChatTools() = default;
 
-CChatTools::~CChatTools() { UnregisterSdkCallbacks(); }
+CChatTools::~CChatTools() {
+  UnregisterSdkCallbacks();
+  ForgetDownloads();
+}
 
 CChatTools& CChatTools::Instance() {
   // Lives until the process ends: SDK callbacks may still name it at unload.
@@ -45,14 +48,18 @@ CChatTools& CChatTools::Instance() {
   return *tools;
 }
 
-void CChatTools::AttachWindow(service::WindowPort* window) { window_.store(window); }
+void CChatTools::AttachWindow(service::WindowPort* window) {
+  window_.store(window);
+}
 
 service::WindowPort& CChatTools::Window() const {
   service::WindowPort* window = window_.load();
   return window != nullptr ? *window : NoWindowPort();
 }
 
-platform::WindowHandle CChatTools::ChatWindow() const { return Window().ChatWindow(); }
+platform::WindowHandle CChatTools::ChatWindow() const {
+  return Window().ChatWindow();
+}
 
 WString CChatTools::UserId() const {
   std::lock_guard lock(cache_mutex_);
@@ -116,15 +123,21 @@ bool CChatTools::HasConversation(const WString& convId) const {
   return conversations_.count(convId) != 0;
 }
 
-std::vector<MessageStru> CChatTools::ConversationMessages(const WString& convId) const {
+std::optional<ConversationInfo_Stru> CChatTools::FindConversation(const WString& convId) const {
   std::lock_guard lock(cache_mutex_);
   auto it = conversations_.find(convId);
-  return it == conversations_.end() ? std::vector<MessageStru>{} : it->second;
+  if (it == conversations_.end()) return std::nullopt;
+  return it->second;
 }
 
 void CChatTools::AppendConversationMessage(const WString& convId, const MessageStru& message) {
   std::lock_guard lock(cache_mutex_);
-  conversations_[convId].push_back(message);
+  ConversationInfo_Stru& conv = conversations_[convId];
+  conv.conv_id = convId;
+  conv.conv_type = message.conv_type;
+  conv.has_last_msg = true;
+  conv.last_msg = message;
+  new_messages_[convId].push_back(message);
 }
 
 bool CChatTools::IsUnread(const WString& convId) const {

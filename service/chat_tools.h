@@ -159,9 +159,13 @@ class CChatTools {
   std::optional<RecentConversation> TakeRecentConv(const WString& convId);
   // The window puts an opened conversation at the front.
   void InsertRecentConvFront(RecentConversation record);
-  // The conversation set: conversations with their in-memory message list.
+  // The conversation set: every conversation the service knows, with its
+  // last message.
   bool HasConversation(const WString& convId) const;
-  std::vector<MessageStru> ConversationMessages(const WString& convId) const;
+  std::optional<ConversationInfo_Stru> FindConversation(const WString& convId) const;
+  // A message the module adds itself (a local notice): it becomes the
+  // conversation's last message and goes to the new-message cache, which the
+  // message view takes on 3025 mode 4 (posting that is the caller's).
   void AppendConversationMessage(const WString& convId, const MessageStru& message);
   // Conversations with unread messages ("-1": pending friend requests).
   bool IsUnread(const WString& convId) const;
@@ -180,8 +184,7 @@ class CChatTools {
   std::vector<CloudGroupInfo> HostGroups() const;
   bool IsJoinedGroup(const WString& groupId) const;
   // Host first, then the IM-side request when the host agreed.
-  host::GroupActionResult RunGroupAction(const host::GroupActionRequest& request,
-                                         const char* tag);
+  host::GroupActionResult RunGroupAction(const host::GroupActionRequest& request, const char* tag);
   // CreateCloudGroup at the host, then TIMGroupCreate with the host's group id.
   bool CreateGroup(const WString& name, const CloudMemberList& members);
   host::OwnerTransferResult TransferGroupOwner(const WString& imGroupId,
@@ -261,17 +264,22 @@ class CChatTools {
   void OpenDatabase();
 
   // Receiving pieces.
-  bool CheckDrawingSync(const std::vector<MessageStru>& messages);
+  void CheckDrawingSync(std::vector<MessageStru>& messages);
   void HandleGroupEvents(const MessageStru& message);
   void StoreReminder(const MessageStru& context, const WString& text);
+  void AcceptConversationMessages(const WString& convId, uint32_t convType,
+                                  std::vector<MessageStru> messages, bool notify);
 
   // Conversation pieces.
   bool IsKnownGroupLocked(const WString& groupId) const;
   WString FacePathFor(const WString& faceUrl, const WString& fallback);
   void UnregisterSdkCallbacks();
+  void ForgetDownloads();
 
   // Groups.
   void ReplaceSdkGroups(std::vector<GroupInfo> groups);
+  void RebuildGroupMapLocked();
+  static void TIMGroupActionFunc(int32_t code, const char* desc, const char* json, void* user);
   void FollowUpGroupAction(const host::GroupActionRequest& request, const GroupDetail& group);
 
   static CChatTools* From(void* user) { return static_cast<CChatTools*>(user); }
@@ -284,14 +292,15 @@ class CChatTools {
   // --- guarded by cache_mutex_ ---
   WString user_id_;
   std::list<RecentConversation> recent_;  // also under "RencentConvData" for removal
-  std::map<WString, std::vector<MessageStru>> conversations_;  // the conversation set
-  std::map<WString, std::vector<MessageStru>> new_messages_;   // not yet shown
+  std::map<WString, ConversationInfo_Stru> conversations_;    // the conversation set
+  std::map<WString, std::vector<MessageStru>> new_messages_;  // not yet shown
   std::set<WString> unread_;
-  uint32_t unread_events_ = 0;  // counter: new-message batches since sign-in
+  uint32_t unread_events_ = 0;    // counter: new-message batches since sign-in
   uint32_t conv_list_count_ = 0;  // counter: conversation lists handled since sign-in
   uint32_t first_list_flag_ = 1;
   uint32_t first_list_companion_ = 0;
-  std::map<WString, GroupInfo> groups_;  // the group map (SDK and host)
+  std::map<WString, GroupInfo> groups_;  // the group map: SDK and host groups together
+  std::vector<GroupInfo> sdk_groups_;
   std::vector<CloudGroupInfo> host_groups_;
   bool joined_groups_known_ = false;  // a joined-group list has arrived
   std::map<WString, std::vector<GroupMemberInfo_Stru>> group_members_;

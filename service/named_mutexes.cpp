@@ -21,17 +21,26 @@ MutexTable& Table() {
 }  // namespace
 
 const std::vector<std::string_view>& ModuleMutexNames() {
-  static const std::vector<std::string_view> names = {
-      "MsgConvSet",         "GroupMemberData",
-      "FriendRequireData",  "FriendsData",
-      "GroupData",          "RencentConvData",
-      "NewMsgmap",          "NewMsgmap",
-      "UserProfile",        "CreateConvID",
-      "Log",                "DownLoadFile",
-      "A1Mu",               "A2Mu",
-      "ConvListMutex",      "ShowMsgMutex",
-      "UpdateRencentConvListMutex", "UpdateFriendListMutex",
-      "UpdateGroupListMutex", "DisplayFriendRequireListMutex"};
+  static const std::vector<std::string_view> names = {"MsgConvSet",
+                                                      "GroupMemberData",
+                                                      "FriendRequireData",
+                                                      "FriendsData",
+                                                      "GroupData",
+                                                      "RencentConvData",
+                                                      "NewMsgmap",
+                                                      "NewMsgmap",
+                                                      "UserProfile",
+                                                      "CreateConvID",
+                                                      "Log",
+                                                      "DownLoadFile",
+                                                      "A1Mu",
+                                                      "A2Mu",
+                                                      "ConvListMutex",
+                                                      "ShowMsgMutex",
+                                                      "UpdateRencentConvListMutex",
+                                                      "UpdateFriendListMutex",
+                                                      "UpdateGroupListMutex",
+                                                      "DisplayFriendRequireListMutex"};
   return names;
 }
 
@@ -45,14 +54,20 @@ void CreateModuleMutexes() {
   });
 }
 
-const std::vector<platform::NamedMutex*>& ModuleMutexes() { return Table().handles; }
+const std::vector<platform::NamedMutex*>& ModuleMutexes() {
+  return Table().handles;
+}
 
 platform::NamedMutex& RecentConvDataMutex() {
   CreateModuleMutexes();
   return *Table().handles[5];
 }
 
-RecentConvDataLock::RecentConvDataLock() { RecentConvDataMutex().Wait(); }
-RecentConvDataLock::~RecentConvDataLock() { RecentConvDataMutex().Release(); }
+RecentConvDataLock::RecentConvDataLock() {
+  RecentConvDataMutex().Wait();
+}
+RecentConvDataLock::~RecentConvDataLock() {
+  RecentConvDataMutex().Release();
+}
 
 }  // namespace service

@@ -23,7 +23,7 @@ struct GroupInfo {
   WString group_id;  // the IM group id
   WString name;
   WString face_url;
-  WString owner;        // the owner's IM user id
+  WString owner;                // the owner's IM user id
   int32_t cloud_group_id = -1;  // -1 when the host did not report it
 };
 
