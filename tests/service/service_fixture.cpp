@@ -1,7 +1,11 @@
 #include "tests/service/service_fixture.h"
 
-#include <cstdlib>
+#include <unistd.h>
 
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/folders.h"
 #include "imsdk/im_sdk.h"
 #include "platform/data_folders.h"
 #include "service/current_conversation.h"
@@ -12,6 +16,13 @@
 namespace service_test {
 
 void ServiceTest::SetUp() {
+  // Tests of this binary run in parallel processes: each gets its own data
+  // tree, so every test starts with an empty history. No SDK thread runs yet.
+  const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
+  std::string docs = testing::TempDir() + "service-" + test->test_suite_name() + "-" +
+                     test->name() + "-" + std::to_string(getpid());
+  std::filesystem::remove_all(docs);
+  setenv("IM_COMMON_DOCS_DIR", docs.c_str(), 1);
   engine.Reset();
   for (const char* id : {"10001", "10002", "10003"}) {
     imsdk::AccountOptions options;

@@ -48,7 +48,11 @@ class ServiceTest : public ::testing::Test {
   size_t CountSeen(unsigned msg) const;
   size_t CountEvents(uint32_t kind) const;
   std::vector<Seen> SeenOf(unsigned msg) const;
-  void ClearSeen() { seen_.clear(); }
+  // Handles what is queued, then forgets everything seen so far.
+  void ClearSeen() {
+    DrainNow();
+    seen_.clear();
+  }
 
   imsdk::EngineControl& engine = imsdk::EngineControl::Instance();
   FakeWindow window;
