@@ -136,11 +136,13 @@ TEST_F(DrawingSyncTest, HostPayloadIsSentToTheSharedConversation) {
   }));
 
   // A failed result is traced only.
+  ClearSeen();
   engine.FailNextResult("TIMMsgSendNewMsg", 9519);
   ASSERT_TRUE(host_.SendDrawingMsgThroughModule(payload));
   ASSERT_TRUE(PumpUntil([&] { return traces.Contains("自定义消息发送失败！！！"); }));
-  ClearSeen();
-  EXPECT_TRUE(seen_.empty());
+  DrainNow();
+  EXPECT_EQ(CountSeen(platform::msg::kTransferStateChanged), 0u);
+  EXPECT_EQ(CountSeen(platform::msg::kRefreshMessageView), 0u);
 }
 
 TEST_F(DrawingSyncTest, SignedOutSendIsRefusedAndTraced) {

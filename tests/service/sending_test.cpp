@@ -187,7 +187,8 @@ TEST_F(SendingTest, ResultForAnUnknownIdDoesNothing) {
   CChatTools::TIMMsgSendNewMsgFunc(9519, "", "{}", new uint32_t(654321));
   CChatTools::TIMMsgSendNewMsgFunc(0, "", "{}", nullptr);
   DrainNow();
-  EXPECT_TRUE(seen_.empty());
+  EXPECT_EQ(CountSeen(platform::msg::kTransferStateChanged), 0u);
+  EXPECT_EQ(CountSeen(platform::msg::kRefreshMessageView), 0u);
   EXPECT_TRUE(StoredRows(u"10002").empty());
   EXPECT_FALSE(tools->FindPendingSend(123456).has_value());
 }
@@ -198,7 +199,9 @@ TEST_F(SendingTest, RefusedSendPostsNothingAndLeavesNoEntry) {
   engine.FailNextCall("TIMMsgSendNewMsg", 1);
   EXPECT_FALSE(tools->OnSendTextElem(u"10002", 1, u"lost"));
   DrainNow();
-  EXPECT_TRUE(seen_.empty());
+  EXPECT_EQ(CountSeen(platform::msg::kRefreshMessageView), 0u);
+  EXPECT_EQ(CountSeen(platform::msg::kClearComposer), 0u);
+  EXPECT_EQ(CountSeen(platform::msg::kTransferStateChanged), 0u);
   EXPECT_TRUE(traces.Contains("发送消息失败!!!"));
   EXPECT_TRUE(traces.Contains("SendMessage Failure!"));
   uint32_t next = tools->NextLocalId();
