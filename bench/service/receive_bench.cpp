@@ -1,0 +1,103 @@
+// 10,000 pushed messages in one JSON text through OnRecvNewMsg into the
+// caches and a real Chat.db (one transaction).
+#include <benchmark/benchmark.h>
+#include <json/json.h>
+
+#include <filesystem>
+#include <string>
+
+#include "platform/window_messages.h"
+#include "service/chat_tools.h"
+#include "service/posting.h"
+#include "store/chat_db.h"
+
+namespace {
+
+class BenchWindow final : public service::WindowPort {
+ public:
+  platform::WindowHandle ChatWindow() const override { return queue.handle(); }
+  void ShowMessageBox(service::BoxOwner, const WString&, const WString&) override {}
+  bool Confirm(const WString&, const WString&) override { return false; }
+  void ResetWindow() override {}
+  bool IsWindowVisible() const override { return false; }
+  void HideWindow() override {}
+  void FlashHostWindowIfMinimised() override {}
+  // Frees what the service posted, as the window would.
+  void Drain() {
+    for (const platform::WindowMessage& m : queue.TakeAll()) {
+      if (m.msg == platform::msg::kConversationLogoChanged && m.wParam != 0) {
+        service::AdoptPayload<WString>(m.wParam);
+      }
+    }
+  }
+  platform::QueuedWindow queue;
+};
+
+std::string MessageArray(int count, uint64_t firstId) {
+  Json::Value array(Json::arrayValue);
+  for (int i = 0; i < count; ++i) {
+    Json::Value m;
+    m["message_conv_id"] = "10002";
+    m["message_conv_type"] = 1;
+    m["message_sender"] = "10002";
+    m["message_client_time"] = 1700000000 + i;
+    m["message_server_time"] = 1700000000 + i;
+    m["message_is_from_self"] = false;
+    m["message_platform"] = 0;
+    m["message_is_read"] = false;
+    m["message_status"] = 2;
+    m["message_unique_id"] = Json::UInt64(firstId + i);
+    m["message_sender_profile"]["user_profile_identifier"] = "10002";
+    m["message_sender_profile"]["user_profile_nick_name"] = "设计师";
+    Json::Value text;
+    text["elem_type"] = 0;
+    text["text_elem_content"] = "图纸第 " + std::to_string(i) + " 版已更新，请查看[微笑]";
+    m["message_elem_array"].append(text);
+    array.append(m);
+  }
+  Json::StreamWriterBuilder writer;
+  writer["indentation"] = "";
+  return Json::writeString(writer, array);
+}
+
+void BM_ReceiveAndStore(benchmark::State& state) {
+  const int count = static_cast<int>(state.range(0));
+  std::string folder = (std::filesystem::temp_directory_path() / "service_bench").string();
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  CChatDb& db = CChatDb::Instance();
+  db.Open(folder + "/Chat.db");
+  db.CreateSchema();
+
+  BenchWindow window;
+  CChatTools tools;
+  tools.AttachWindow(&window);
+  tools.Login(u"10001", u"sig");  // the SDK is not started: only the user id is kept
+
+  uint64_t nextId = 1;
+  for (auto _ : state) {
+    state.PauseTiming();
+    SdkEventRecord record;
+    record.kind = kSdkEventNewMessages;
+    record.text = MessageArray(count, nextId);
+    record.flag1 = record.flag2 = 1;
+    nextId += count;
+    state.ResumeTiming();
+
+    tools.OnRecvNewMsg(&record);
+
+    state.PauseTiming();
+    if (tools.NewMessageCount(u"10002") != static_cast<size_t>(count)) {
+      state.SkipWithError("messages missing from the new-message cache");
+    }
+    (void)tools.TakeNewMessages(u"10002", count);
+    window.Drain();
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * count);
+  db.Close();
+  std::filesystem::remove_all(folder);
+}
+BENCHMARK(BM_ReceiveAndStore)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+}  // namespace

@@ -1,0 +1,26 @@
+#pragma once
+// The drawing-selection dialog's upload: one worker thread per drawing that
+// stores the file in the group's cloud space and reports back by posting
+// platform::msg::kUploadFinished (wParam 1 = stored, 0 = failed; lParam 0).
+
+#include <cstdint>
+#include <memory>
+#include <thread>
+
+#include "platform/strings.h"
+#include "platform/window_messages.h"
+
+namespace host {
+
+struct UploadTask {
+  platform::WindowHandle notify = platform::WindowHandle::kNone;
+  WString localPath;
+  int32_t groupId = 0;   // the cloud group whose space receives the drawing
+  int32_t folderId = 0;  // the folder in that space; 0 = its root
+};
+
+// The worker owns the task and frees it when it has posted. The caller
+// decides whether to join or detach the thread.
+std::thread StartUploadWorker(std::unique_ptr<UploadTask> task);
+
+}  // namespace host

@@ -1,0 +1,319 @@
+#pragma once
+// CChatTools: the module's one IM service object. It owns the SDK session,
+// issues every SDK request, receives every SDK event and result, keeps the
+// shared caches and hands results to the chat window by posting window
+// messages (numbers in platform/window_messages.h).
+//
+// Threads. SDK callbacks run on the SDK's callback thread; they copy what
+// they are given and post it to the window, which hands it back here on its
+// own thread (DispatchSdkEvent, OnMsgListArrived ...). A few callbacks act
+// where they run: the login result, the group tips (groups reloaded from the
+// host), kicked offline (logout), the network status and the download
+// result. Every cache below is therefore guarded by cache_mutex_; readers get
+// copies. Lock order: "RencentConvData" before cache_mutex_. No SDK call and
+// no WindowPort call is made while cache_mutex_ is held (a TIMLogout on the
+// window thread waits for running callbacks, and the port may wait for the
+// window thread).
+
+#include <atomic>
+#include <cstdint>
+#include <list>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <json/json.h>
+
+#include "host/group_actions.h"
+#include "host/host_records.h"
+#include "host/owner_transfer.h"
+#include "platform/strings.h"
+#include "platform/window_messages.h"
+#include "records/drawing_payload.h"
+#include "records/group_records.h"
+#include "records/message_records.h"
+#include "records/profile_records.h"
+#include "service/sdk_event_record.h"
+#include "service/service_records.h"
+#include "service/window_port.h"
+
+class CChatTools {
+ public:
+  // The deployment's IM application id (a 10-digit constant of the build).
+  static constexpr uint64_t kImAppId = 1400187352ULL;
+  // History fetched per request when the window does not say otherwise.
+  static constexpr uint32_t kDefaultMsgListCount = 20;
+  // Most entries the message view takes from the new-message cache at once.
+  static constexpr size_t kNewMessagesPerRefresh = 30;
+
+  CChatTools();
+  // Unregisters the SDK event callbacks that still point at this object.
+  ~CChatTools();
+  CChatTools(const CChatTools&) = delete;
+  CChatTools& operator=(const CChatTools&) = delete;
+
+  // The module's service object (constructed at library load).
+  static CChatTools& Instance();
+
+  // The window side. Without one, posts go nowhere (and are traced) and
+  // boxes are only traced.
+  void AttachWindow(service::WindowPort* window);
+  service::WindowPort& Window() const;
+  platform::WindowHandle ChatWindow() const;
+
+  // ===== Start-up, sign-in, sign-out ========================================
+  // Configuration, TIMInit, the thirteen SDK callbacks, the host callbacks.
+  void Init();
+  // True when TIMLogin accepted the request; the result arrives in TIMLoginFunc.
+  bool Login(WString userId, WString userSig);
+  // Empties every cache, forgets the user and closes the local store.
+  void ClearResource();
+  WString UserId() const;
+
+  static void TIMLoginFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void TIMLogoutFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void TIMSetConfigFunc(int32_t code, const char* desc, const char* json, void* user);
+
+  // The configuration JSON sent before TIMInit (exactly four keys, no proxy).
+  static Json::Value BuildUserConfig();
+
+  // ===== SDK events and the window ==========================================
+  static void TIMAddRecvNewMsgCallbackFunc(const char* json, void* user);
+  static void TIMSetMsgReadedReceiptCallbackFunc(const char* json, void* user);
+  static void TIMSetMsgRevokeCallbackFunc(const char* json, void* user);
+  static void TIMSetGroupTipsEventCallbackFunc(const char* json, void* user);
+  static void TIMSetNetworkStatusListenerCallbackFunc(int32_t status, int32_t code,
+                                                      const char* desc, void* user);
+  static void TIMSetKickedOfflineCallbackFunc(void* user);
+  static void TIMSetUserSigExpiredCallbackFunc(void* user);
+  static void TIMSetOnAddFriendCallbackFunc(const char* json, void* user);
+  static void TIMSetOnDeleteFriendCallbackFunc(const char* json, void* user);
+  static void TIMSetUpdateFriendProfileCallbackFunc(const char* json, void* user);
+  static void TIMSetFriendAddRequestCallbackFunc(const char* json, void* user);
+  static void TIMSetLogCallbackFunc(int32_t level, const char* log, void* user);
+  static void TIMConvGetConvListFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void TIMConvCreateFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void TIMConvDeleteFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void TIMMsgGetMsgListFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void IMMsgReportReadedFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void TIMMsgDownloadFileElemToPathFunc(int32_t code, const char* desc, const char* json,
+                                               void* user);
+  static void TIMFriendshipGetFriendProfileListFunc(int32_t code, const char* desc,
+                                                    const char* json, void* user);
+  static void TIMGroupGetJoinedGroupListFunc(int32_t code, const char* desc, const char* json,
+                                             void* user);
+
+  // Window thread, message 3024: acts on the record by kind. The window owns
+  // and frees the record, and posts 3184 when recent_list_flag is set after.
+  void DispatchSdkEvent(SdkEventRecord& record);
+
+  // The last status the SDK reported (TIMNetworkStatus); any thread.
+  uint32_t NetworkStatus() const { return network_status_.load(); }
+
+  // ===== Receiving, history, downloads ======================================
+  // The answer arrives as 3196 (heap UTF-8 JSON) for OnMsgListArrived.
+  void GetMsgList(const WString& convId, uint32_t convType, uint32_t count);
+  // Window thread, message 3196.
+  void OnMsgListArrived(std::unique_ptr<std::string> json);
+  // `pushed` is the record's second flag byte: drawing-sync instructions are
+  // acted on only for pushed messages.
+  bool ParseMsgData(const std::string& text, uint8_t pushed, std::vector<MessageStru>& out);
+  // Window thread: the new-message path shared by pushed and fetched messages.
+  void OnRecvNewMsg(const SdkEventRecord* record);
+  void ReportReaded(const WString& convId, uint32_t convType);
+  // `elemParam` is an element's download parameter; the result is posted as
+  // 3164 with `requestKey` (at once, or 50 ms later for pictures).
+  void DownloadMessageElem(const WString& elemParam, const WString& path, uint32_t requestKey);
+  std::optional<DownloadState> GetDownloadState(uint32_t requestKey) const;
+
+  // The new-message cache: messages received and not yet shown.
+  size_t NewMessageCount(const WString& convId) const;
+  // Removes and returns up to `max` of the oldest cached messages of the conversation.
+  std::vector<MessageStru> TakeNewMessages(const WString& convId,
+                                           size_t max = kNewMessagesPerRefresh);
+
+  // ===== Conversations ======================================================
+  void CreateConv(WString convId, uint32_t convType);
+  int32_t Require_TIMConvDel(WString convId, uint32_t convType);
+  void AddRecentConvID(const WString& convId, uint32_t convType);
+  void DeleteConv(WString convId);
+  // Window thread, SdkEventRecord of kind 5.
+  void DealConvListFunc(const std::string& json);
+  WString GetConvNickName(uint32_t convType, const WString& convId);
+  uint32_t GetCurrenConvType(const WString& convId);
+  void GetConvImage(uint32_t convType, const WString& convId, WString& imagePath, WString& name);
+  // Handed to the host: appends {name, id, type} per recent conversation of
+  // type 1 or 2; null does nothing.
+  void ProvideRecentConversations(std::vector<RecentConversationEntry>* list);
+  // Asks the SDK for the conversation list (answer: 3024 of kind 5).
+  int RequestConvList();
+
+  std::vector<RecentConversation> RecentConversations() const;
+  size_t RecentCount() const;
+  // The take-record operation: under "RencentConvData", removes the record
+  // of `convId` from the recent list and returns it.
+  std::optional<RecentConversation> TakeRecentConv(const WString& convId);
+  // The window puts an opened conversation at the front.
+  void InsertRecentConvFront(RecentConversation record);
+  // The conversation set: every conversation the service knows, with its
+  // last message.
+  bool HasConversation(const WString& convId) const;
+  std::optional<ConversationInfo_Stru> FindConversation(const WString& convId) const;
+  // A message the module adds itself (a local notice): it becomes the
+  // conversation's last message and goes to the new-message cache, which the
+  // message view takes on 3025 mode 4 (posting that is the caller's).
+  void AppendConversationMessage(const WString& convId, const MessageStru& message);
+  // Conversations with unread messages ("-1": pending friend requests).
+  bool IsUnread(const WString& convId) const;
+  void SetUnread(const WString& convId, bool unread);
+  std::set<WString> UnreadIds() const;
+  // Cleared by the first non-empty conversation list after a sign-in.
+  bool IsFirstConvList() const;
+
+  // ===== Groups =============================================================
+  // The host's cloud groups into the joined-group list and the group map;
+  // posts 3185. Window thread (3181) or callback thread (group tips).
+  void LoadHostGroups();
+  int RequestJoinedGroupList();
+  std::vector<GroupInfo> Groups() const;
+  std::optional<GroupInfo> FindGroup(const WString& groupId) const;
+  std::vector<CloudGroupInfo> HostGroups() const;
+  bool IsJoinedGroup(const WString& groupId) const;
+  // Host first, then the IM-side request when the host agreed.
+  host::GroupActionResult RunGroupAction(const host::GroupActionRequest& request, const char* tag);
+  // CreateCloudGroup at the host, then TIMGroupCreate with the host's group id.
+  bool CreateGroup(const WString& name, const CloudMemberList& members);
+  host::OwnerTransferResult TransferGroupOwner(const WString& imGroupId,
+                                               const host::OwnerTransferRequest& request,
+                                               const char* tag);
+
+  // ===== Friends the conversation side reads =================================
+  int RequestFriendList();
+  // Rebuilds the friend cache from a friend-profile-list JSON; posts 3183.
+  void UpdateFriendList(const std::string& json);
+  // Own profile: add permission 2 (requests need confirmation), nothing else.
+  int ModifySelfAddPermission();
+  std::vector<FriendsList_Stru> Friends() const;
+  std::optional<FriendsList_Stru> FindFriend(const WString& id) const;
+  // Remark, else nickname, else empty.
+  static WString FriendDisplayName(const FriendsList_Stru& friendRecord);
+
+  // =====================================================================
+  // ===== Sending, pending sends, friendship, drawing sync ==============
+  // ===== (service/sending*.cpp, service/pending_sends.*,          ======
+  // =====  service/friendship*.cpp, service/drawing_sync*.cpp)     ======
+  // =====================================================================
+
+  // --- Sending ---
+  bool OnSendTextElem(const WString& convId, uint32_t convType, const WString& text);
+  bool OnSendImageElem(const WString& convId, uint32_t convType, const WString& imagePath);
+  bool OnSendFileElem(const WString& convId, uint32_t convType, const WString& filePath,
+                      const WString& fileName, int64_t fileSize);
+  // Sends the uploaded drawing for the placeholder `placeholderLocalId` (0: none).
+  bool OnSenddrawingFileElem(const WString& convId, uint32_t convType,
+                             const DrawingMsgStru& drawing, uint32_t placeholderLocalId);
+  // The local placeholder of a drawing being uploaded; returns its local id.
+  uint32_t SendFakeMsg(const WString& convId, uint32_t convType, const DrawingMsgStru& drawing);
+  bool SendMsg(const WString& convId, uint32_t convType, const Json::Value& elemArray,
+               MessageStru& pending);
+  void OnSendMsgUpdateCallback(const std::string& resultJson, MessageStru& pending, int32_t code);
+  // The local id counter shared by sent messages and local notices.
+  uint32_t NextLocalId();
+  std::optional<MessageStru> FindPendingSend(uint32_t localId) const;
+  static void TIMMsgSendNewMsgFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void TIMSetMsgElemUploadProgressCallbackFunc(const char* json, uint32_t index,
+                                                      uint32_t curSize, uint32_t totalSize,
+                                                      void* user);
+
+  // --- Friendship ---
+  int AddFriend(const WString& id, const WString& source, const WString& wording);
+  // `variant` 1 posts 3166 with the page, 2 posts 3186.
+  int RequestPendencyList(int variant);
+  int ReportPendencyReaded(uint64_t timeStamp);
+  int DeleteFriend(const WString& id);
+  int ModifyFriendRemark(const WString& id, const WString& remark);
+  int RequestUserProfiles(const std::vector<WString>& ids);
+  int HandleFriendAddRequest(const WString& id, const WString& remark, const WString& groupName);
+  void AgreeToAddFriends(PendingFriendRequest* record);
+  void FriendList_DeleteFriend(const WString& id);
+  // Window thread, SdkEventRecord of kind 1.
+  void OnFriendAddRequest(const SdkEventRecord& record);
+  // Window thread, 3197: the ids (UTF-8 JSON array) leave the friend cache.
+  void OnFriendsDeleted(std::unique_ptr<std::string> json);
+  std::vector<PendingFriendRequest> PendingRequests() const;
+  std::optional<UserProfile> FindProfile(const WString& id) const;
+
+  // --- Drawing sync ---
+  // Registered with the host at start-up: sends a drawing-sync payload to the
+  // host's current shared conversation.
+  bool sendChatDrawingMsg(const WString& payload);
+  // What received drawing payloads ask of the host (pushed messages only).
+  DrawingPayloadHandler* ReceivedDrawingHandler();
+
+ private:
+  // Start-up pieces.
+  void SetConfig();
+  void InitSdk();
+  void RegisterSdkCallbacks();
+  void RegisterHostCallbacks();
+  void OnLoginSucceeded();
+  void OpenDatabase();
+
+  // Receiving pieces.
+  void CheckDrawingSync(std::vector<MessageStru>& messages);
+  void HandleGroupEvents(const MessageStru& message);
+  void StoreReminder(const MessageStru& context, const WString& text);
+  void AcceptConversationMessages(const WString& convId, uint32_t convType,
+                                  std::vector<MessageStru> messages, bool notify);
+
+  // Conversation pieces.
+  bool IsKnownGroupLocked(const WString& groupId) const;
+  WString FacePathFor(const WString& faceUrl, const WString& fallback);
+  void UnregisterSdkCallbacks();
+  void ForgetDownloads();
+
+  // Groups.
+  void ReplaceSdkGroups(std::vector<GroupInfo> groups);
+  void RebuildGroupMapLocked();
+  static void TIMGroupActionFunc(int32_t code, const char* desc, const char* json, void* user);
+  void FollowUpGroupAction(const host::GroupActionRequest& request, const GroupDetail& group);
+
+  static CChatTools* From(void* user) { return static_cast<CChatTools*>(user); }
+
+  std::atomic<service::WindowPort*> window_{nullptr};
+  std::atomic<uint32_t> network_status_{0};
+  std::atomic<bool> callbacks_registered_{false};
+
+  mutable std::recursive_mutex cache_mutex_;
+  // --- guarded by cache_mutex_ ---
+  WString user_id_;
+  std::list<RecentConversation> recent_;  // also under "RencentConvData" for removal
+  std::map<WString, ConversationInfo_Stru> conversations_;    // the conversation set
+  std::map<WString, std::vector<MessageStru>> new_messages_;  // not yet shown
+  std::set<WString> unread_;
+  uint32_t unread_events_ = 0;    // counter: new-message batches since sign-in
+  uint32_t conv_list_count_ = 0;  // counter: conversation lists handled since sign-in
+  uint32_t first_list_flag_ = 1;
+  uint32_t first_list_companion_ = 0;
+  std::map<WString, GroupInfo> groups_;  // the group map: SDK and host groups together
+  std::vector<GroupInfo> sdk_groups_;
+  std::vector<CloudGroupInfo> host_groups_;
+  bool joined_groups_known_ = false;  // a joined-group list has arrived
+  std::map<WString, std::vector<GroupMemberInfo_Stru>> group_members_;
+  std::vector<FriendsList_Stru> friends_;
+  std::map<WString, UserProfile> profiles_;
+  std::vector<PendingFriendRequest> pending_requests_;
+  uint64_t pendency_seq_ = 0;
+
+  mutable std::mutex download_mutex_;
+  std::map<uint32_t, DownloadState> downloads_;
+
+  // --- second part of the layer: sending ---
+  mutable std::mutex send_mutex_;
+  std::map<uint32_t, MessageStru> pending_sends_;
+  uint32_t last_local_id_ = 0;
+};

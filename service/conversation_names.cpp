@@ -1,0 +1,144 @@
+// Names, types and pictures of conversations, and the list the host asks for.
+#include <cstdio>
+#include <filesystem>
+
+#include "host/host_access.h"
+#include "platform/data_folders.h"
+#include "platform/folders.h"
+#include "platform/trace.h"
+#include "service/chat_tools.h"
+
+namespace {
+
+const WString kPersonDefaultImage = u"..\\img\\PersonDefaultImg.png";
+const WString kGroupDefaultImage = u"..\\img\\GroupDefaultImg.png";
+
+// The cached file of an avatar URL: a hash of the whole URL (URLs of
+// different hosts may end alike) and the picture's own extension.
+WString FaceFileName(const WString& url) {
+  uint64_t hash = 1469598103934665603ULL;
+  for (char16_t c : url) {
+    hash ^= static_cast<uint64_t>(c);
+    hash *= 1099511628211ULL;
+  }
+  WString extension = u".png";
+  size_t dot = url.find_last_of(u'.');
+  size_t slash = url.find_last_of(u"/\\");
+  if (dot != WString::npos && (slash == WString::npos || dot > slash)) {
+    WString candidate = platform::ToUpper(url.substr(dot));
+    for (const WString known : {u".PNG", u".JPG", u".JPEG", u".GIF", u".BMP"}) {
+      if (candidate == known) extension = url.substr(dot);
+    }
+  }
+  char digits[17];
+  std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
+  return platform::Utf8ToUtf16(digits) + extension;
+}
+
+bool FileExists(const WString& path) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(platform::ToNativePath(path), error);
+}
+
+// Account ids are decimal numbers; anything else has no host account.
+std::optional<int32_t> AccountIdOf(const WString& id) {
+  if (id.empty() || id.size() > 9) return std::nullopt;
+  int32_t value = 0;
+  for (char16_t c : id) {
+    if (c < u'0' || c > u'9') return std::nullopt;
+    value = value * 10 + (c - u'0');
+  }
+  return value;
+}
+
+}  // namespace
+
+WString CChatTools::GetConvNickName(uint32_t convType, const WString& convId) {
+  platform::Trace("CChatTools::GetConvNickName!!!!!!");
+  if (convType == 2) {
+    std::optional<GroupInfo> group = FindGroup(convId);
+    return group ? group->name : WString();
+  }
+  if (convType == 1) {
+    std::optional<FriendsList_Stru> found = FindFriend(convId);
+    return found ? FriendDisplayName(*found) : WString();
+  }
+  return {};
+}
+
+uint32_t CChatTools::GetCurrenConvType(const WString& convId) {
+  platform::Trace("GetCurrenConvType enter!!!!!!");
+  {
+    std::lock_guard lock(cache_mutex_);
+    // Friends first: an id that is both counts as one-to-one.
+    for (const FriendsList_Stru& f : friends_) {
+      if (f.identifier == convId) return 1;
+    }
+    for (const CloudGroupInfo& group : host_groups_) {
+      if (group.imGroupId == convId) return 2;
+    }
+    // Groups the SDK reports count as well, so that a group keeps its type
+    // while the host cannot be asked.
+    if (groups_.count(convId) != 0) return 2;
+  }
+  platform::Trace("GetCurrenConvType exit!!!!!!");
+  return 0;
+}
+
+WString CChatTools::FacePathFor(const WString& faceUrl, const WString& fallback) {
+  if (faceUrl.empty()) return fallback;
+  WString folder = platform::DataFolders::Instance().GetFacePath();
+  if (folder.empty()) return fallback;
+  WString path = platform::JoinPath(folder, FaceFileName(faceUrl));
+  if (FileExists(path)) return path;
+  HostCloudService* cloud = host::AcquireCloudService("CChatTools::GetConvImage");
+  if (cloud == nullptr || !cloud->DownloadPicture(faceUrl.c_str(), path.c_str()) ||
+      !FileExists(path)) {
+    return fallback;
+  }
+  return path;
+}
+
+void CChatTools::GetConvImage(uint32_t convType, const WString& convId, WString& imagePath,
+                              WString& name) {
+  platform::Trace("GetConvImage enter!!!!!!");
+  if (convType == 2) {
+    std::optional<GroupInfo> group = FindGroup(convId);
+    name = group ? group->name : WString();
+    imagePath = FacePathFor(group ? group->face_url : WString(), kGroupDefaultImage);
+  } else {
+    std::optional<FriendsList_Stru> found = FindFriend(convId);
+    WString faceUrl;
+    if (found) {
+      name = FriendDisplayName(*found);
+      faceUrl = found->profile.face_url;
+    }
+    if (!found || name.empty()) {
+      // A stranger, or a friend without remark and nickname: ask the host.
+      std::optional<int32_t> accountId = AccountIdOf(convId);
+      HostCloudService* cloud = host::AcquireCloudService("CChatTools::GetConvImage");
+      AccountInfo info;
+      if (accountId && cloud != nullptr && cloud->GetAccountInfo(*accountId, info)) {
+        if (name.empty()) name = info.displayName;
+        if (faceUrl.empty()) faceUrl = info.avatarUrl;
+      }
+      if (name.empty()) name = convId;
+    }
+    imagePath = FacePathFor(faceUrl, kPersonDefaultImage);
+  }
+  platform::Trace("GetConvImage exit!!!!!!");
+}
+
+void CChatTools::ProvideRecentConversations(std::vector<RecentConversationEntry>* list) {
+  if (list == nullptr) return;
+  for (const RecentConversation& recent : RecentConversations()) {
+    uint32_t type = recent.info.conv_type;
+    if (type != 1 && type != 2) continue;
+    RecentConversationEntry entry;
+    WString image;
+    GetConvImage(type, recent.info.conv_id, image, entry.displayName);
+    entry.conversationId = recent.info.conv_id;
+    entry.type = static_cast<int32_t>(type);
+    list->push_back(std::move(entry));
+  }
+}

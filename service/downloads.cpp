@@ -1,0 +1,116 @@
+// Downloading the file behind an element, and telling the window when done.
+#include <json/json.h>
+
+#include <chrono>
+#include <thread>
+
+#include "imsdk/im_sdk.h"
+#include "platform/trace.h"
+#include "service/chat_tools.h"
+#include "service/posting.h"
+#include "service/sdk_text.h"
+
+namespace {
+
+constexpr auto kPictureSettleDelay = std::chrono::milliseconds(50);
+
+bool ParseObject(std::string_view text, Json::Value& out) {
+  Json::CharReaderBuilder builder;
+  std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+  std::string errors;
+  return reader->parse(text.data(), text.data() + text.size(), &out, &errors) && out.isObject();
+}
+
+uint64_t SizeOf(const Json::Value& value) {
+  return value.isUInt64() ? value.asUInt64() : 0;
+}
+
+void* KeyToUserData(uint32_t key) {
+  return reinterpret_cast<void*>(static_cast<uintptr_t>(key));
+}
+uint32_t UserDataToKey(void* user) {
+  return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(user));
+}
+
+// The download result names its request only by key; the callbacks reach the
+// service object through this (the module has one service object).
+std::atomic<CChatTools*>& DownloadOwner() {
+  static std::atomic<CChatTools*> owner{nullptr};
+  return owner;
+}
+
+}  // namespace
+
+void CChatTools::DownloadMessageElem(const WString& elemParam, const WString& path,
+                                     uint32_t requestKey) {
+  platform::Trace("DownloadMessageElem enter!!!!!!");
+  std::string param = platform::Utf16ToUtf8(elemParam);
+  std::string target = platform::Utf16ToUtf8(path);
+  DownloadState state;
+  Json::Value json;
+  if (ParseObject(param, json) && json["msg_download_elem_param_type"].isIntegral()) {
+    state.elem_type = json["msg_download_elem_param_type"].asInt();
+  }
+  state.path = path;
+  {
+    std::lock_guard lock(download_mutex_);
+    downloads_[requestKey] = state;
+  }
+  DownloadOwner().store(this);
+  int ret = TIMMsgDownloadElemToPath(param.c_str(), target.c_str(),
+                                     &CChatTools::TIMMsgDownloadFileElemToPathFunc,
+                                     KeyToUserData(requestKey));
+  if (ret != 0) platform::Trace("File download failed! ret:%d", ret);
+  platform::Trace("DownloadMessageElem exit!!!!!!");
+}
+
+void CChatTools::ForgetDownloads() {
+  CChatTools* self = this;
+  DownloadOwner().compare_exchange_strong(self, nullptr);
+}
+
+std::optional<DownloadState> CChatTools::GetDownloadState(uint32_t requestKey) const {
+  std::lock_guard lock(download_mutex_);
+  auto it = downloads_.find(requestKey);
+  if (it == downloads_.end()) return std::nullopt;
+  return it->second;
+}
+
+void CChatTools::TIMMsgDownloadFileElemToPathFunc(int32_t code, const char* desc, const char* json,
+                                                  void* user) {
+  uint32_t key = UserDataToKey(user);
+  CChatTools* self = DownloadOwner().load();
+  if (self == nullptr) return;
+  bool delayed = false;
+  {
+    std::lock_guard lock(self->download_mutex_);
+    auto it = self->downloads_.find(key);
+    if (it == self->downloads_.end()) return;
+    if (code != 0) {
+      platform::Trace("File download failed! code:%u ,desc:%s ,json_param:%s",
+                      static_cast<unsigned>(code), service::OrEmpty(desc), service::OrEmpty(json));
+      return;
+    }
+    DownloadState& state = it->second;
+    Json::Value result;
+    if (ParseObject(service::OrEmpty(json), result)) {
+      state.current_size = SizeOf(result["msg_download_elem_result_current_size"]);
+      state.total_size = SizeOf(result["msg_download_elem_result_total_size"]);
+    }
+    state.downloaded = 1;
+    if (state.elem_type == kElemVideo) state.secondary_status = state.downloaded;
+    delayed = state.elem_type == kElemImage ||
+              (state.elem_type == kElemVideo && state.secondary_status != 2);
+  }
+  platform::WindowHandle window = self->ChatWindow();
+  if (!delayed) {
+    service::Post(window, platform::msg::kTransferStateChanged, key);
+    return;
+  }
+  // Give the file on disk a moment to be complete before the view loads it.
+  // The worker holds only the handle and the key, never the service object.
+  std::thread([window, key] {
+    std::this_thread::sleep_for(kPictureSettleDelay);
+    service::Post(window, platform::msg::kTransferStateChanged, key);
+  }).detach();
+}

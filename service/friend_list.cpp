@@ -1,0 +1,54 @@
+// The friend list as the conversation side reads it, and the add permission
+// set at every sign-in.
+#include <json/json.h>
+
+#include "imsdk/im_sdk.h"
+#include "platform/trace.h"
+#include "records/profile_parser.h"
+#include "service/chat_tools.h"
+#include "service/posting.h"
+#include "service/sdk_text.h"
+
+int CChatTools::RequestFriendList() {
+  platform::Trace("获取好友列表 开始!!!");
+  int ret =
+      TIMFriendshipGetFriendProfileList(&CChatTools::TIMFriendshipGetFriendProfileListFunc, this);
+  if (ret != 0) {
+    platform::Trace("获取好友列表 失败!!! ret : %d", ret);
+  } else {
+    platform::Trace("获取好友列表 结束!!!");
+  }
+  return ret;
+}
+
+void CChatTools::UpdateFriendList(const std::string& json) {
+  std::vector<FriendsList_Stru> friends;
+  if (!records::ParseFriendArray(json, friends)) {
+    platform::Trace("解析json数据错误！error:%s", "friend list is not a JSON array");
+    return;
+  }
+  {
+    std::lock_guard lock(cache_mutex_);
+    friends_ = std::move(friends);
+  }
+  service::Post(ChatWindow(), platform::msg::kFriendListChanged);
+}
+
+int CChatTools::ModifySelfAddPermission() {
+  Json::Value param;
+  param["user_profile_item_add_permission"] = static_cast<int>(kTIMAddPermission_NeedConfirm);
+  Json::StreamWriterBuilder writer;
+  writer["indentation"] = "";
+  int ret = TIMProfileModifySelfUserProfile(
+      Json::writeString(writer, param).c_str(),
+      [](int32_t code, const char* desc, const char* json, void*) {
+        if (code != 0) {
+          platform::Trace("修改自己的资料 失败!!! code:%u ,desc:%s ,json_param:%s",
+                          static_cast<unsigned>(code), service::OrEmpty(desc),
+                          service::OrEmpty(json));
+        }
+      },
+      this);
+  if (ret != 0) platform::Trace("修改自己的资料 失败!!! ret:%d", ret);
+  return ret;
+}
