@@ -1,1 +1,271 @@
-// placeholder
+// The product's skins and pictures: every control the windows look up is
+// there, under its name, of a usable kind; every picture they name exists.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QImage>
+#include <QImageReader>
+#include <QRegularExpression>
+
+#include "tests/ui/test_window.h"
+#include "ui/kit/qt/control_ref.h"
+#include "ui/kit/qt/image_layer.h"
+#include "ui/kit/resources.h"
+
+namespace ui::test {
+namespace {
+
+using platform::W;
+
+constexpr const char* kSkins = "DuiLibRes\\skin\\";
+
+QString ResourceFile(const QString& relative) {
+  return QDir(QString::fromStdString(GetResourceRoot())).filePath(relative);
+}
+
+struct SkinCase {
+  const char* skin;
+  std::vector<const char*> controls;
+};
+
+const std::vector<SkinCase>& Skins() {
+  static const std::vector<SkinCase> skins = {
+      {"IMWnd.xml",
+       {"IMWnd_searchEdit",
+        "FriendsList",
+        "ConversationList",
+        "RecentConverBtn",
+        "FriendsListBtn",
+        "Friend_Request_List",
+        "IMWnd_SessionName",
+        "HisRecordList",
+        "ChatWindow_SendrichEdit",
+        "ChatWindow_richRecv",
+        "tabs",
+        "IMWnd_ChatModule",
+        "IMWnd_Col1",
+        "IMWnd_Col2",
+        "IMWnd_Col3",
+        "IMWnd_Col4",
+        "IMWnd_SharedChatBtn",
+        "ChatDrawBtn",
+        "GroupFunctionBtn",
+        "ChatRecord",
+        "IMWnd_closebtn",
+        "IMSetUp",
+        "IMWnd_FindChatHistoryBtn",
+        "IMWnd_UploadFiles",
+        "IMWnd_UploadImage",
+        "IMWnd_UploadDrawBtn",
+        "IMWnd_EmoticonsBtn",
+        "IMWnd_AddFriend",
+        "SendMsgBtn",
+        "CreateGroupBtn",
+        "GroupsList",
+        "FriendList_Info_Image",
+        "FriendList_Info_FriendName",
+        "FriendList_Info_RemarksLabel",
+        "FriendList_Info_RemarksEdit",
+        "FriendList_Info_RemarksBtn",
+        "PerSonInfo_SendMsg",
+        "PerSonInfo_DeleteFriend"}},
+      {"ChatMessageBox.xml",
+       {"ChatMessagebox_closebtn", "ChatMessagebox_Title", "ChatMessagebox_Msg",
+        "ChatMessagebox_ConfirmBtn", "ChatMessagebox_CancelBtn"}},
+      {"SetUp.xml",
+       {"SetUp_DownloadPathLabel", "SetUp_SelectDownloadPathBtn", "SetUp_ConfirmBtn",
+        "SetUp_CancelBtn", "SetUp_Closebtn"}},
+  };
+  return skins;
+}
+
+TEST(Skins, EveryWindowSkinHasItsControls) {
+  for (const SkinCase& c : Skins()) {
+    RecordingWindow w(c.skin, kSkins);
+    ASSERT_TRUE(w.Create(nullptr, W("x"))) << c.skin;
+    for (const char* name : c.controls) EXPECT_TRUE(w.FindControl(name)) << c.skin << ": " << name;
+  }
+}
+
+TEST(Skins, MainWindowPagesAndListsAreWhereTheWindowExpectsThem) {
+  RecordingWindow w("IMWnd.xml", kSkins);
+  ASSERT_TRUE(w.Create(nullptr, W("x"), WindowStyle::kTopLevel));
+  EXPECT_EQ(w.FindControl("tabs").GetPageCount(), 4);  // conversations, friends, none, network down
+  EXPECT_EQ(w.FindControl("IMWnd_ChatModule").GetPageCount(), 5);
+  EXPECT_EQ(w.FindControl("IMWnd_ChatModule").GetCurSel(), 4);  // nothing open yet
+  EXPECT_TRUE(w.FindControl("HisRecordList").IsInside(w.FindControl("ChatRecord")));
+  EXPECT_TRUE(w.FindControl("ConversationList").IsInside(w.FindControl("IMWnd_Col2")));
+  EXPECT_TRUE(w.FindControl("IMSetUp").IsInside(w.FindControl("IMWnd_Col1")));
+  EXPECT_TRUE(w.FindControl("FriendList_Info_Image").IsInside(w.FindControl("IMWnd_ChatModule")));
+  const char* lists[] = {"ConversationList", "FriendsList", "Friend_Request_List", "GroupsList",
+                         "HisRecordList"};
+  for (const char* name : lists) {
+    Control item = w.CreateFromSkin("friend_list_item.xml");
+    EXPECT_TRUE(w.FindControl(name).Add(item)) << name;
+  }
+  // The options select pages as one group.
+  Control recent = w.FindControl("RecentConverBtn");
+  Control friends = w.FindControl("FriendsListBtn");
+  EXPECT_TRUE(recent.IsSelected());
+  friends.Selected(true);
+  EXPECT_FALSE(recent.IsSelected());
+}
+
+TEST(Skins, ItemTemplatesHaveTheirNamesAndSubControls) {
+  struct Item {
+    const char* skin;
+    const char* root;
+    std::vector<const char*> controls;
+  } items[] = {
+      {"Conver_list_item.xml",
+       "group_node_item",
+       {"ConverItem_logo", "ConverItem_nickname", "ConverItem_description",
+        "ConverItem_Display_time"}},
+      {"friend_list_item.xml", "FriendItemSelected", {"friend_list_Image", "friend_list_nickname"}},
+      {"group_list_item.xml",
+       "GroupItemSelected",
+       {"GroupList_Img", "GroupList_Nickname", "GroupList_IsMaster"}},
+      {"Friend_Request_Item.xml",
+       "AddFriendRequire_Item",
+       {"AddFriendRequire_FriendImage", "AddFriendRequire_NickName", "FriendRequire_ConfirmBtn"}},
+      {"SystemReminder.xml", "SystemReminderItem", {"List_Item_RichEdit"}},
+      {"MyselfChatItem.xml",
+       "MyselfChatItem",
+       {"MsgContainer", "List_Item_RichEdit", "List_Item_Edit"}},
+      {"FriendChatItem.xml",
+       "FriendChatItem",
+       {"MsgContainer", "List_Item_RichEdit", "List_Item_Edit"}},
+  };
+  RecordingWindow w("IMWnd.xml", kSkins);
+  ASSERT_TRUE(w.Create(nullptr, W("x")));
+  for (const Item& i : items) {
+    Control item = w.CreateFromSkin(i.skin);
+    ASSERT_TRUE(item) << i.skin;
+    EXPECT_EQ(item.GetName(), i.root) << i.skin;
+    for (const char* name : i.controls)
+      EXPECT_TRUE(item.FindSubControl(name)) << i.skin << ": " << name;
+  }
+  // The bubble holds the rich edit, whose size the message view sets.
+  Control mine = w.CreateFromSkin("MyselfChatItem.xml");
+  EXPECT_TRUE(
+      mine.FindSubControl("List_Item_RichEdit").IsInside(mine.FindSubControl("MsgContainer")));
+}
+
+TEST(Skins, UnreadDotIsDrawnWhereTheAttributeSaysAndRemovedByEmptyValues) {
+  RecordingWindow w("IMWnd.xml", kSkins);
+  ASSERT_TRUE(w.Create(nullptr, W("x")));
+  Control item = w.CreateFromSkin("Conver_list_item.xml");
+  Control logo = item.FindSubControl("ConverItem_logo");
+  const char* dot = "file='..\\img\\UnReadDot.png' source='0,0,0,0' dest='36,0,44,8'";
+  for (const char* slot : {"normalimage", "hotimage", "pushedimage"}) {
+    ASSERT_TRUE(logo.SetAttribute(slot, dot)) << slot;
+  }
+  QWidget* widget = qt::WidgetOf(logo);
+  auto* layer = qt::ImageLayer::Of(widget);
+  EXPECT_EQ(layer->CurrentStateSlot(), "normalimage");
+  QImage shot = widget->grab().toImage();
+  QColor inDot = shot.pixelColor(40, 4);
+  EXPECT_GT(inDot.red(), 200);
+  EXPECT_LT(inDot.green(), 100);
+  EXPECT_NE(shot.pixelColor(20, 30), inDot);  // only the corner
+  for (const char* slot : {"normalimage", "hotimage", "pushedimage"}) logo.SetAttribute(slot, "");
+  EXPECT_EQ(layer->CurrentStateSlot(), "");
+  EXPECT_NE(qt::WidgetOf(logo)->grab().toImage().pixelColor(40, 4), inDot);
+  EXPECT_FALSE(logo.SetAttribute("normalimage", "file='..\\img\\NoSuchPicture.png'"));
+}
+
+TEST(Skins, EveryPictureTheSkinsNameExists) {
+  QDir skinDir(ResourceFile("DuiLibRes/skin"));
+  QRegularExpression picture(QStringLiteral("\\.\\./img/[A-Za-z0-9_]+\\.(png|gif)"));
+  int seen = 0;
+  for (const QString& file : skinDir.entryList({"*.xml"})) {
+    QFile f(skinDir.filePath(file));
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly)) << file.toStdString();
+    QString text = QString::fromUtf8(f.readAll());
+    for (auto it = picture.globalMatch(text); it.hasNext();) {
+      QString path = skinDir.filePath(it.next().captured(0));
+      EXPECT_FALSE(QImage(path).isNull()) << file.toStdString() << ": " << path.toStdString();
+      ++seen;
+    }
+  }
+  EXPECT_GT(seen, 10);
+}
+
+TEST(Skins, PicturesTheWindowsUseByNameLoad) {
+  const char* names[] = {"UnReadDot.png",
+                         "FriendsList_normal.png",
+                         "FriendsList_selected.png",
+                         "RecentConver_normal.png",
+                         "RecentConver_selected.png",
+                         "PersonDefaultImg.png",
+                         "GroupDefaultImg.png",
+                         "NewFriend.png",
+                         "GroupChat.png",
+                         "FileLoaded.png",
+                         "FileLoadError.png",
+                         "BMP.png",
+                         "DOCX.png",
+                         "DWG.png",
+                         "DXF.png",
+                         "FON.png",
+                         "JPG.png",
+                         "OCF.png",
+                         "PDF.png",
+                         "PNG.png",
+                         "PPT.png",
+                         "PPTX.png",
+                         "RAR.png",
+                         "XLS.png",
+                         "XLSX.png",
+                         "ZIP.png",
+                         "UNKNOW.png",
+                         "backgroud.png",
+                         "FilepUpLoaded.png",
+                         "FILELOSE.png",
+                         "loading.gif",
+                         "image_error.png",
+                         "LOAD_IMAGE.png",
+                         "Voice.png",
+                         "videoTip.png",
+                         "image_video_error.png"};
+  for (const char* name : names) {
+    QImageReader reader(ResourceFile(QStringLiteral("DuiLibRes/img/") + name));
+    QImage image = reader.read();
+    EXPECT_FALSE(image.isNull()) << name << ": " << reader.errorString().toStdString();
+  }
+  QImageReader spinner(ResourceFile("DuiLibRes/img/loading.gif"));
+  EXPECT_GT(spinner.imageCount(), 1);  // it moves
+  QImage dot(ResourceFile("DuiLibRes/img/UnReadDot.png"));
+  EXPECT_EQ(dot.size(), QSize(8, 8));
+}
+
+TEST(Skins, FortyNineDistinctEmoticons) {
+  QDir emoji(ResourceFile("DuiLibRes/emoji"));
+  QStringList files = emoji.entryList({"*.png"});
+  ASSERT_EQ(files.size(), 49);
+  QSet<QByteArray> looks;
+  for (const QString& file : files) {
+    QImage image(emoji.filePath(file));
+    ASSERT_FALSE(image.isNull()) << file.toStdString();
+    looks.insert(QByteArray(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes()));
+  }
+  EXPECT_EQ(looks.size(), 49);
+  for (const char* name : {"Smile", "Leepy", "ThrewUp", "Applaud", "Muah"}) {
+    EXPECT_TRUE(emoji.exists(QStringLiteral("%1.png").arg(name))) << name;
+  }
+}
+
+TEST(Skins, ChineseTextHasAFont) {
+  QFont font(QStringLiteral("WenQuanYi Micro Hei"));
+  EXPECT_TRUE(QFontDatabase::families().contains(QStringLiteral("WenQuanYi Micro Hei")));
+  QFontMetrics metrics(font);
+  for (QChar c : QString::fromUtf8("确定取消删除好友新的朋友群聊发送")) {
+    EXPECT_TRUE(metrics.inFont(c)) << static_cast<int>(c.unicode());
+  }
+}
+
+}  // namespace
+}  // namespace ui::test
