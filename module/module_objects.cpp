@@ -1,0 +1,71 @@
+// Library load and unload, and the module's singletons.
+#include "module/module_objects.h"
+
+#include <QApplication>
+#include <QMainWindow>
+
+#include "imsdk/im_sdk.h"
+#include "platform/trace.h"
+#include "service/chat_tools.h"
+#include "ui/main/im_wnd.h"
+#include "ui/port/chat_window_port.h"
+
+namespace module {
+namespace {
+
+// Built at load; see OnLibraryUnload for why they are not plain statics.
+CIMWnd* g_window = nullptr;
+ui::ChatWindowPort* g_port = nullptr;
+
+__attribute__((constructor)) void OnLibraryLoad() {
+  CChatTools& tools = CChatTools::Instance();
+  g_window = new CIMWnd(tools);  // creates the named mutexes
+  g_port = new ui::ChatWindowPort(*g_window);
+  tools.AttachWindow(g_port);
+}
+
+__attribute__((destructor)) void OnLibraryUnload() {
+  platform::Trace("IM SDK卸载 开始!!!");
+  if (TIMUninit() == 0) {
+    platform::Trace("IM SDK卸载结束!!!");
+  } else {
+    platform::Trace("IM SDK 卸载失败！");
+  }
+  // No SDK callback runs any more; the service stops reaching the window.
+  CChatTools::Instance().AttachWindow(nullptr);
+  // Widgets can only go while the application object lives. A host that
+  // unloads the library after its QApplication is gone leaves them behind.
+  if (QApplication::instance() == nullptr && g_window->IsCreated()) return;
+  g_window->DestroyChatWindow();
+  // The window's toolkit objects are deleted later by the event loop; their
+  // code goes with this library, so that has to happen now.
+  if (QCoreApplication::instance() != nullptr) {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  delete g_port;
+  delete g_window;
+  g_port = nullptr;
+  g_window = nullptr;
+}
+
+}  // namespace
+
+CIMWnd& MainWindow() {
+  return *g_window;
+}
+
+CChatTools& Tools() {
+  return CChatTools::Instance();
+}
+
+void* HostMainWindow() {
+  if (QApplication::instance() == nullptr) return nullptr;
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (qobject_cast<QMainWindow*>(widget) != nullptr) {
+      return reinterpret_cast<void*>(static_cast<uintptr_t>(widget->winId()));
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace module
