@@ -48,7 +48,9 @@ IM_EXPORT int g_CreateWindow(void* /*instance*/, void* parent) {
 IM_EXPORT bool LoginIm(WString userId, WString userSig) {
   platform::DataFolders::Instance().Prepare(userId);
   g_CreateWindow(nullptr, module::HostMainWindow());
-  return service::SignIn(module::Tools(), std::move(userId), std::move(userSig));
+  bool accepted = service::SignIn(module::Tools(), std::move(userId), std::move(userSig));
+  module::ArmUnloadAfterStartup();
+  return accepted;
 }
 
 IM_EXPORT void LogOutIm() {

@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <QMainWindow>
 
+#include <atomic>
+
 #include "imsdk/im_sdk.h"
 #include "platform/trace.h"
 #include "service/chat_tools.h"
@@ -24,7 +26,9 @@ __attribute__((constructor)) void OnLibraryLoad() {
   tools.AttachWindow(g_port);
 }
 
-__attribute__((destructor)) void OnLibraryUnload() {
+void UnloadOnce() {
+  static std::atomic<bool> done{false};
+  if (done.exchange(true)) return;
   platform::Trace("IM SDK卸载 开始!!!");
   if (TIMUninit() == 0) {
     platform::Trace("IM SDK卸载结束!!!");
@@ -48,7 +52,25 @@ __attribute__((destructor)) void OnLibraryUnload() {
   g_window = nullptr;
 }
 
+// Runs the unload when the library is unloaded, or at process exit when the
+// host never unloads it (or cannot: a thread-local object made by the library
+// on a live thread keeps it mapped). At exit, objects of the SDK library that
+// came into being with TIMInit are destroyed in reverse order of creation; a
+// guard created after TIMInit is destroyed before them, so TIMUninit still
+// finds the SDK whole.
+struct UnloadGuard {
+  ~UnloadGuard() { UnloadOnce(); }
+};
+
+__attribute__((destructor)) void OnLibraryUnload() {
+  UnloadOnce();
+}
+
 }  // namespace
+
+void ArmUnloadAfterStartup() {
+  static UnloadGuard guard;
+}
 
 CIMWnd& MainWindow() {
   return *g_window;

@@ -8,6 +8,10 @@ class CIMWnd;
 namespace module {
 
 CIMWnd& MainWindow();
+
+// Called once the SDK has been started: makes the unload run before the
+// SDK's own objects go at process exit.
+void ArmUnloadAfterStartup();
 CChatTools& Tools();
 
 // The host's main window as a native window id (the first top-level main

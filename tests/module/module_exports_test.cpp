@@ -19,11 +19,11 @@
 
 #include "host/local/local_host.h"
 #include "imsdk/engine_control.h"
-#include "tests/module/loaded_module.h"
+#include "module/module_library.h"
 
 namespace {
 
-using module_test::LoadedModule;
+using im_exports::ModuleLibrary;
 
 bool PumpUntil(const std::function<bool()>& done, int milliseconds = 5000) {
   QDeadlineTimer deadline(milliseconds);
@@ -89,7 +89,7 @@ class ModuleExportsTest : public ::testing::Test {
     ASSERT_TRUE(engine.CreateAccount("10001", me));
     ASSERT_TRUE(engine.CreateAccount("10002", peer));
     ASSERT_TRUE(engine.MakeFriends("10001", "10002"));
-    module_ = std::make_unique<LoadedModule>();
+    module_ = std::make_unique<ModuleLibrary>(IM_MODULE_LIBRARY);
     ASSERT_TRUE(module_->ok()) << module_->error();
   }
   void TearDown() override {
@@ -102,7 +102,7 @@ class ModuleExportsTest : public ::testing::Test {
     return PumpUntil([] { return imsdk::EngineControl::Instance().SignedInAccount() == "10001"; });
   }
 
-  std::unique_ptr<LoadedModule> module_;
+  std::unique_ptr<ModuleLibrary> module_;
   ImRect rect_{100, 80, 900, 700};
 };
 

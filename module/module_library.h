@@ -1,6 +1,8 @@
 #pragma once
-// The chat module loaded as a host loads it: dlopen of the built library and
-// the eight exports resolved by name. Unloading runs the library's unload.
+// The host's side of loading the chat module: dlopen of the library and the
+// eight exports resolved by name, as a real host does. Unloading runs the
+// library's unload (TIMUninit, the window goes); do it while the host's
+// QApplication still exists.
 
 #include <dlfcn.h>
 
@@ -8,12 +10,12 @@
 
 #include "module/im_exports.h"
 
-namespace module_test {
+namespace im_exports {
 
-class LoadedModule {
+class ModuleLibrary {
  public:
-  LoadedModule() {
-    handle_ = dlopen(IM_MODULE_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  explicit ModuleLibrary(const std::string& path) {
+    handle_ = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle_ == nullptr) {
       error_ = dlerror();
       return;
@@ -27,9 +29,9 @@ class LoadedModule {
     Resolve(entryShare, "EntryShareChatIm");
     Resolve(exitShare, "ExitShareChatIm");
   }
-  ~LoadedModule() { Unload(); }
-  LoadedModule(const LoadedModule&) = delete;
-  LoadedModule& operator=(const LoadedModule&) = delete;
+  ~ModuleLibrary() { Unload(); }
+  ModuleLibrary(const ModuleLibrary&) = delete;
+  ModuleLibrary& operator=(const ModuleLibrary&) = delete;
 
   void Unload() {
     if (handle_ != nullptr) dlclose(handle_);
@@ -39,14 +41,14 @@ class LoadedModule {
   const std::string& error() const { return error_; }
   void* handle() const { return handle_; }
 
-  im_exports::CreateWindowFn createWindow = nullptr;
-  im_exports::LoginImFn login = nullptr;
-  im_exports::LogOutImFn logout = nullptr;
-  im_exports::DisplayImFn display = nullptr;
-  im_exports::MoveImFn move = nullptr;
-  im_exports::HideImFn hide = nullptr;
-  im_exports::EntryShareChatImFn entryShare = nullptr;
-  im_exports::ExitShareChatImFn exitShare = nullptr;
+  CreateWindowFn createWindow = nullptr;
+  LoginImFn login = nullptr;
+  LogOutImFn logout = nullptr;
+  DisplayImFn display = nullptr;
+  MoveImFn move = nullptr;
+  HideImFn hide = nullptr;
+  EntryShareChatImFn entryShare = nullptr;
+  ExitShareChatImFn exitShare = nullptr;
 
  private:
   template <typename Fn>
@@ -59,4 +61,4 @@ class LoadedModule {
   std::string error_;
 };
 
-}  // namespace module_test
+}  // namespace im_exports
