@@ -14,4 +14,5 @@ struct ConversationInfo_Stru {
   bool has_last_msg = false;
   MessageStru last_msg;  // empty when the conversation has none
   bool has_draft = false;
+  bool operator==(const ConversationInfo_Stru&) const = default;
 };

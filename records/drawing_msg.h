@@ -33,4 +33,5 @@ struct DrawingMsgStru {
   // Shared-chat instruction (`data.instruct`) of msgType 2, handed on to the
   // drawing upload and shared-chat controller; 0 when absent or not a number.
   uint32_t instruct = 0;
+  bool operator==(const DrawingMsgStru&) const = default;
 };

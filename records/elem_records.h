@@ -40,17 +40,20 @@ inline constexpr uint32_t kGroupChangeOwner = 5;
 struct UserProfileBrief {
   WString nick_name;
   WString face_url;
+  bool operator==(const UserProfileBrief&) const = default;
 };
 
 struct GroupTipGroupChangeInfoStru {
   uint32_t flag = 0;
   WString value;  // the new name or the new owner's account
   WString key;
+  bool operator==(const GroupTipGroupChangeInfoStru&) const = default;
 };
 
 struct GroupTipMemberChangeInfo {
   WString identifier;
   uint32_t shutup_time = 0;
+  bool operator==(const GroupTipMemberChangeInfo&) const = default;
 };
 
 // Changed values of a profile-change element. Location, language, birthday,
@@ -60,6 +63,7 @@ struct UserProfileItem {
   uint32_t gender = 0;
   WString face_url;
   WString self_signature;
+  bool operator==(const UserProfileItem&) const = default;
 };
 
 struct ElemStru {
@@ -141,4 +145,5 @@ struct ElemStru {
   std::string large_download_param;  // image: large picture
   std::string download_param;        // sound, file, and the video itself
   std::string image_download_param;  // video: cover picture
+  bool operator==(const ElemStru&) const = default;
 };

@@ -10,6 +10,7 @@
 struct GroupMemberInfoCustemString_Stru {
   WString key;
   WString value;
+  bool operator==(const GroupMemberInfoCustemString_Stru&) const = default;
 };
 
 struct GroupMemberInfo_Stru {
@@ -21,6 +22,7 @@ struct GroupMemberInfo_Stru {
   uint32_t shutup_time = 0;
   WString name_card;
   std::vector<GroupMemberInfoCustemString_Stru> custom_info;
+  bool operator==(const GroupMemberInfo_Stru&) const = default;
 };
 
 struct GroupTipsEvent {
@@ -38,4 +40,5 @@ struct GroupTipsEvent {
   std::vector<GroupMemberInfo_Stru> changed_members;
   uint32_t member_num = 0;
   WString platform;
+  bool operator==(const GroupTipsEvent&) const = default;
 };

@@ -28,6 +28,7 @@ struct MessageStru {
   uint64_t download_current_size = 0;
   uint64_t download_total_size = 0;
   uint32_t secondary_status = 0;
+  bool operator==(const MessageStru&) const = default;
 };
 
 // A message locator as the SDK reports it. conv_id and conv_type are kept as
@@ -41,4 +42,5 @@ struct MessageLocator {
   bool is_self = false;
   uint64_t rand = 0;
   uint64_t unique_id = 0;
+  bool operator==(const MessageLocator&) const = default;
 };

@@ -10,6 +10,7 @@
 struct UserProfileCustomString {
   WString key;
   WString value;
+  bool operator==(const UserProfileCustomString&) const = default;
 };
 
 struct UserProfile {
@@ -25,6 +26,7 @@ struct UserProfile {
   uint32_t level = 0;
   uint32_t role = 0;
   std::vector<UserProfileCustomString> custom_strings;
+  bool operator==(const UserProfile&) const = default;
 };
 
 struct FriendsList_Stru {
@@ -36,6 +38,7 @@ struct FriendsList_Stru {
   uint64_t add_time = 0;
   UserProfile profile;
   std::vector<UserProfileCustomString> custom_strings;
+  bool operator==(const FriendsList_Stru&) const = default;
 };
 
 // One incoming or outgoing friend request.
@@ -46,6 +49,7 @@ struct FriendAddPendency {
   uint64_t add_time = 0;
   WString add_source;
   WString add_wording;
+  bool operator==(const FriendAddPendency&) const = default;
 };
 
 struct PendencyPage {
@@ -53,4 +57,5 @@ struct PendencyPage {
   uint64_t unread_num = 0;
   uint64_t current_seq = 0;
   std::vector<FriendAddPendency> pendencies;
+  bool operator==(const PendencyPage&) const = default;
 };

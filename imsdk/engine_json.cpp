@@ -1,0 +1,133 @@
+// The JSON objects the engine hands out: messages, conversations, profiles,
+// friends, pendencies, groups and members (keys documented in im_sdk.h).
+#include "imsdk/engine.h"
+#include "imsdk/im_sdk.h"
+#include "imsdk/json_util.h"
+
+namespace imsdk {
+
+Json::Value Engine::BriefProfileLocked(const std::string& id) const {
+  Json::Value brief(Json::objectValue);
+  brief["user_profile_identifier"] = id;
+  auto it = world_.accounts.find(id);
+  brief["user_profile_nick_name"] = it == world_.accounts.end() ? "" : it->second.nick;
+  brief["user_profile_face_url"] = it == world_.accounts.end() ? "" : it->second.face_url;
+  return brief;
+}
+
+Json::Value Engine::MessageValueLocked(const Message& msg, const std::string& viewer) const {
+  Json::Value v(Json::objectValue);
+  v["message_conv_id"] = msg.conv_id;
+  v["message_conv_type"] = msg.conv_type;
+  v["message_sender"] = msg.sender;
+  v["message_client_time"] = Json::UInt64(msg.client_time);
+  v["message_server_time"] = Json::UInt64(msg.server_time);
+  v["message_is_from_self"] = msg.sender == viewer;
+  v["message_platform"] = 0;
+  v["message_is_read"] = msg.is_read;
+  v["message_status"] = kTIMMsg_SendSucc;
+  v["message_unique_id"] = Json::UInt64(msg.unique_id);
+  v["message_sender_profile"] = BriefProfileLocked(msg.sender);
+  v["message_elem_array"] = msg.elems;
+  return v;
+}
+
+std::string Engine::ConversationJsonLocked(const std::string& owner, const ConvKey& key,
+                                           const Conversation& conv) const {
+  Json::Value v(Json::objectValue);
+  v["conv_id"] = key.second;
+  v["conv_type"] = key.first;
+  v["conv_owner"] = owner;
+  v["conv_unread_num"] = Json::UInt64(conv.unread);
+  v["conv_active_time"] = Json::UInt64(conv.active_time);
+  v["conv_is_has_lastmsg"] = !conv.messages.empty();
+  if (!conv.messages.empty()) v["conv_last_msg"] = MessageValueLocked(conv.messages.back(), owner);
+  v["conv_is_has_draft"] = false;
+  return WriteJson(v);
+}
+
+Json::Value Engine::ProfileValueLocked(const Account& a) const {
+  Json::Value v(Json::objectValue);
+  v["user_profile_identifier"] = a.id;
+  v["user_profile_nick_name"] = a.nick;
+  v["user_profile_gender"] = a.gender;
+  v["user_profile_face_url"] = a.face_url;
+  v["user_profile_self_signature"] = a.self_signature;
+  v["user_profile_add_permission"] = a.add_permission;
+  v["user_profile_location"] = "";
+  v["user_profile_language"] = 0;
+  v["user_profile_birthday"] = 0;
+  v["user_profile_level"] = 0;
+  v["user_profile_role"] = 0;
+  v["user_profile_custom_string_array"] = Json::Value(Json::arrayValue);
+  return v;
+}
+
+Json::Value Engine::FriendValueLocked(const Friend& f) const {
+  Json::Value v(Json::objectValue);
+  v["friend_profile_identifier"] = f.id;
+  Json::Value groups(Json::arrayValue);
+  for (const auto& g : f.group_names) groups.append(g);
+  v["friend_profile_group_name_array"] = groups;
+  v["friend_profile_remark"] = f.remark;
+  v["friend_profile_add_wording"] = f.add_wording;
+  v["friend_profile_add_source"] = f.add_source;
+  v["friend_profile_add_time"] = Json::UInt64(f.add_time);
+  auto it = world_.accounts.find(f.id);
+  v["friend_profile_user_profile"] =
+      it == world_.accounts.end() ? BriefProfileLocked(f.id) : ProfileValueLocked(it->second);
+  v["friend_profile_custom_string_array"] = Json::Value(Json::arrayValue);
+  return v;
+}
+
+Json::Value Engine::PendencyValueLocked(const Pendency& p) const {
+  Json::Value v(Json::objectValue);
+  v["friend_add_pendency_info_type"] = p.type;
+  v["friend_add_pendency_info_idenitifer"] = p.peer;
+  auto it = world_.accounts.find(p.peer);
+  v["friend_add_pendency_info_nick_name"] = it == world_.accounts.end() ? "" : it->second.nick;
+  v["friend_add_pendency_info_add_time"] = Json::UInt64(p.add_time);
+  v["friend_add_pendency_info_add_source"] = p.add_source;
+  v["friend_add_pendency_info_add_wording"] = p.add_wording;
+  return v;
+}
+
+Json::Value Engine::MemberValueLocked(const GroupMember& m) const {
+  Json::Value v(Json::objectValue);
+  v["group_member_info_identifier"] = m.id;
+  v["group_member_info_join_time"] = Json::UInt64(m.join_time);
+  v["group_member_info_member_role"] = m.role;
+  v["group_member_info_msg_flag"] = 0;
+  v["group_member_info_msg_seq"] = 0;
+  v["group_member_info_shutup_time"] = 0;
+  v["group_member_info_name_card"] = "";
+  v["group_member_info_custom_info"] = Json::Value(Json::arrayValue);
+  return v;
+}
+
+Json::Value Engine::GroupValueLocked(const Group& g) const {
+  Json::Value v(Json::objectValue);
+  v["group_base_info_group_id"] = g.id;
+  v["group_base_info_group_name"] = g.name;
+  v["group_base_info_group_type"] = g.type;
+  v["group_base_info_face_url"] = g.face_url;
+  v["group_base_info_owner_identifier"] = g.owner;
+  v["group_base_info_member_num"] = static_cast<Json::UInt>(g.members.size());
+  v["group_base_info_create_time"] = Json::UInt64(g.create_time);
+  return v;
+}
+
+}  // namespace imsdk
+
+namespace imsdk {
+
+std::string Engine::MessageJsonLocked(const Message& msg, const std::string& viewer) const {
+  return WriteJson(MessageValueLocked(msg, viewer));
+}
+
+std::string Engine::ProfileJsonLocked(const std::string& account) const {
+  auto it = world_.accounts.find(account);
+  return it == world_.accounts.end() ? "" : WriteJson(ProfileValueLocked(it->second));
+}
+
+}  // namespace imsdk

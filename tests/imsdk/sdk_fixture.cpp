@@ -1,0 +1,157 @@
+#include "tests/imsdk/sdk_fixture.h"
+
+#include <chrono>
+#include <deque>
+
+namespace imsdk_test {
+
+void Recorder::Add(Record record) {
+  std::lock_guard lock(mutex_);
+  records_.push_back(std::move(record));
+  changed_.notify_all();
+}
+
+std::vector<Record> Recorder::WaitFor(const std::string& name, size_t count) {
+  std::unique_lock lock(mutex_);
+  std::vector<Record> found;
+  changed_.wait_for(lock, std::chrono::seconds(5), [&] {
+    found.clear();
+    for (const auto& r : records_) {
+      if (r.name == name) found.push_back(r);
+    }
+    return found.size() >= count;
+  });
+  return found;
+}
+
+Record Recorder::Result(const std::string& tag) {
+  std::unique_lock lock(mutex_);
+  Record found;
+  bool ok = changed_.wait_for(lock, std::chrono::seconds(5), [&] {
+    for (const auto& r : records_) {
+      if (r.name == "result" && r.tag == tag) {
+        found = r;
+        return true;
+      }
+    }
+    return false;
+  });
+  EXPECT_TRUE(ok) << "no result for " << tag;
+  return found;
+}
+
+std::vector<Record> Recorder::All() const {
+  std::lock_guard lock(mutex_);
+  return records_;
+}
+
+size_t Recorder::Count(const std::string& name) const {
+  std::lock_guard lock(mutex_);
+  size_t n = 0;
+  for (const auto& r : records_) n += r.name == name;
+  return n;
+}
+
+void Recorder::Clear() {
+  std::lock_guard lock(mutex_);
+  records_.clear();
+}
+
+Recorder& GetRecorder() {
+  static Recorder recorder;
+  return recorder;
+}
+
+void* Tag(const std::string& tag) {
+  static std::mutex mutex;
+  static std::deque<std::string> tags;
+  std::lock_guard lock(mutex);
+  for (auto& t : tags) {
+    if (t == tag) return t.data();
+  }
+  tags.push_back(tag);
+  return tags.back().data();
+}
+
+void OnResult(int32_t code, const char*, const char* json, void* user_data) {
+  GetRecorder().Add(
+      {"result", code, json, static_cast<const char*>(user_data), std::this_thread::get_id()});
+}
+
+namespace {
+
+void Text(const char* name, const char* json) {
+  GetRecorder().Add({name, 0, json, "", std::this_thread::get_id()});
+}
+
+}  // namespace
+
+void RegisterAllCallbacks() {
+  TIMAddRecvNewMsgCallback([](const char* j, void*) { Text("new_msg", j); }, nullptr);
+  TIMSetMsgReadedReceiptCallback([](const char* j, void*) { Text("receipt", j); }, nullptr);
+  TIMSetMsgRevokeCallback([](const char* j, void*) { Text("revoke", j); }, nullptr);
+  TIMSetMsgElemUploadProgressCallback(
+      [](const char* j, uint32_t index, uint32_t cur, uint32_t total, void*) {
+        Json::Value v;
+        v["msg"] = j;
+        v["index"] = index;
+        v["cur"] = cur;
+        v["total"] = total;
+        Text("upload", Write(v).c_str());
+      },
+      nullptr);
+  TIMSetGroupTipsEventCallback([](const char* j, void*) { Text("group_tips", j); }, nullptr);
+  TIMSetNetworkStatusListenerCallback(
+      [](int32_t status, int32_t code, const char*, void*) {
+        GetRecorder().Add(
+            {"network", status, std::to_string(code), "", std::this_thread::get_id()});
+      },
+      nullptr);
+  TIMSetKickedOfflineCallback([](void*) { Text("kicked", ""); }, nullptr);
+  TIMSetUserSigExpiredCallback([](void*) { Text("sig_expired", ""); }, nullptr);
+  TIMSetOnAddFriendCallback([](const char* j, void*) { Text("friend_added", j); }, nullptr);
+  TIMSetOnDeleteFriendCallback([](const char* j, void*) { Text("friend_deleted", j); }, nullptr);
+  TIMSetUpdateFriendProfileCallback([](const char* j, void*) { Text("friend_profile", j); },
+                                    nullptr);
+  TIMSetFriendAddRequestCallback([](const char* j, void*) { Text("friend_request", j); }, nullptr);
+  TIMSetLogCallback([](int32_t, const char* j, void*) { Text("log", j); }, nullptr);
+}
+
+Json::Value Parse(const std::string& text) {
+  Json::Value v;
+  Json::Reader().parse(text, v);
+  return v;
+}
+
+std::string Write(const Json::Value& value) {
+  Json::StreamWriterBuilder b;
+  b["indentation"] = "";
+  return Json::writeString(b, value);
+}
+
+void SdkTest::SetUp() {
+  control.Reset();
+  rec.Clear();
+  RegisterAllCallbacks();
+  ASSERT_EQ(TIMInit(1400000001, "{}"), TIM_SUCC);
+}
+
+void SdkTest::TearDown() {
+  TIMUninit();
+  control.Reset();
+}
+
+void SdkTest::SignIn(const std::string& id) {
+  // Open to anyone, so that tests can message it without making friends first.
+  control.CreateAccount(id, {"", "", kTIMAddPermission_AllowAny, ""});
+  ASSERT_EQ(TIMLogin(id.c_str(), "sig", OnResult, Tag("login " + id)), TIM_SUCC);
+  ASSERT_EQ(rec.Result("login " + id).code, TIM_SUCC);
+}
+
+Record SdkTest::Request(const std::string& tag, int rc) {
+  EXPECT_EQ(rc, TIM_SUCC) << tag;
+  if (rc != TIM_SUCC) return Record{"refused", rc, "", tag, {}};
+  return rec.Result(tag);
+}
+
+}  // namespace imsdk_test

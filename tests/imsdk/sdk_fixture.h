@@ -1,0 +1,65 @@
+#pragma once
+// Drives the SDK through its C functions and records every callback with
+// the thread it ran on.
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "imsdk/engine_control.h"
+#include "imsdk/im_sdk.h"
+
+namespace imsdk_test {
+
+struct Record {
+  std::string name;  // "result" for request results, else the callback kind
+  int code = 0;
+  std::string json;
+  std::string tag;  // the request's tag (user data) for results
+  std::thread::id thread;
+};
+
+class Recorder {
+ public:
+  void Add(Record record);
+  // Waits (up to 5 s) until `count` records named `name` exist; returns them.
+  std::vector<Record> WaitFor(const std::string& name, size_t count = 1);
+  // The result of the request tagged `tag` (waits for it).
+  Record Result(const std::string& tag);
+  std::vector<Record> All() const;
+  size_t Count(const std::string& name) const;
+  void Clear();
+
+ private:
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  std::vector<Record> records_;
+};
+
+Recorder& GetRecorder();
+// A result callback; `user_data` is a tag created by Tag().
+void OnResult(int32_t code, const char* desc, const char* json, void* user_data);
+// A stable C string for a tag, kept for the process.
+void* Tag(const std::string& tag);
+// Registers all thirteen event callbacks with the recorder.
+void RegisterAllCallbacks();
+Json::Value Parse(const std::string& text);
+std::string Write(const Json::Value& value);
+
+class SdkTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+  // Signs in `id` (created when missing) and waits for the result.
+  void SignIn(const std::string& id);
+  // Calls, expects acceptance, waits for the result.
+  Record Request(const std::string& tag, int rc);
+  imsdk::EngineControl& control = imsdk::EngineControl::Instance();
+  Recorder& rec = GetRecorder();
+};
+
+}  // namespace imsdk_test

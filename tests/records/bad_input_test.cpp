@@ -1,0 +1,110 @@
+// Every parser survives any byte string: it answers false or keeps what it
+// could read, and never crashes.
+
+#include <gtest/gtest.h>
+
+#include "platform/trace.h"
+#include "records/conversation_parser.h"
+#include "records/group_parser.h"
+#include "records/json_reader.h"
+#include "records/message_parser.h"
+#include "records/profile_parser.h"
+
+namespace {
+
+std::vector<std::string> HostileTexts() {
+  return {
+      "",
+      "not json",
+      "{\"message_conv_id\":",
+      "{}",
+      "null",
+      "42",
+      "\"text\"",
+      std::string(200000, '['),
+      std::string(200000, '[') + std::string(200000, ']'),
+      "[" + std::string(500, '{') + "]",
+      "[1e999999]",
+      "[{\"message_server_time\":-1e300}]",
+      "[{\"message_conv_id\":\"\xff\xfe\xc0\x80\xed\xa0\x80\"}]",
+      "[{\"message_conv_id\":\"a\\u0000b\\ud800\"}]",
+      std::string("[\0]", 3),
+  };
+}
+
+TEST(BadInput, MessageArrayRejectsWhatIsNotAnArrayOfJson) {
+  for (const std::string& text : HostileTexts()) {
+    SCOPED_TRACE(text.substr(0, 40));
+    std::vector<MessageStru> list;
+    const bool parsed = records::ParseMessageArray(text, list);
+    if (!parsed) {
+      EXPECT_TRUE(list.empty());
+    }
+  }
+  std::vector<MessageStru> list;
+  EXPECT_FALSE(records::ParseMessageArray("{\"message_conv_id\":\"c\"}", list));
+  EXPECT_FALSE(records::ParseMessageArray(std::string(200000, '['), list));
+  EXPECT_TRUE(list.empty());
+}
+
+TEST(BadInput, EveryListParserSurvives) {
+  for (const std::string& text : HostileTexts()) {
+    SCOPED_TRACE(text.substr(0, 40));
+    std::vector<ConversationInfo_Stru> conversations;
+    std::vector<FriendsList_Stru> friends;
+    std::vector<UserProfile> profiles;
+    std::vector<GroupMemberInfo_Stru> members;
+    records::ParseConversationArray(text, conversations);
+    records::ParseFriendArray(text, friends);
+    records::ParseUserProfileArray(text, profiles);
+    records::ParseGroupMemberArray(text, members);
+    Json::Value root;
+    if (records::ParseJsonText(text, root)) {
+      // The single-record parsers on whatever the text held, and on its first entry.
+      for (const Json::Value* v : {&root, root.isArray() && !root.empty() ? &root[0] : &root}) {
+        MessageStru msg;
+        MessageLocator locator;
+        PendencyPage page;
+        GroupTipsEvent event;
+        records::ParseMessage(*v, msg);
+        records::ParseSelfMessage(*v, msg);
+        records::ParseMessageLocator(*v, locator);
+        records::ParsePendencyPage(*v, page);
+        records::ParseGroupTipsEvent(*v, event);
+      }
+    }
+  }
+}
+
+TEST(BadInput, InvalidUtf8BecomesReplacementCharacters) {
+  std::vector<MessageStru> list;
+  ASSERT_TRUE(
+      records::ParseMessageArray("[{\"message_conv_id\":\"a\xff"
+                                 "b\",\"message_elem_array\":[{\"elem_type\":0,"
+                                 "\"text_elem_content\":\"\xe4\xbd\"}]}]",
+                                 list));
+  EXPECT_EQ(list.at(0).conv_id, u"a\uFFFDb");
+  EXPECT_EQ(list.at(0).elems.at(0).text, u"\uFFFD");
+}
+
+TEST(BadInput, NumbersOutOfRangeFaultOnlyTheirRecord) {
+  platform::ScopedTraceCapture trace;
+  std::vector<MessageStru> list;
+  ASSERT_TRUE(records::ParseMessageArray(
+      R"([{"message_conv_id":"a","message_server_time":1e30},{"message_conv_id":"b"}])", list));
+  ASSERT_EQ(list.size(), 2u);
+  EXPECT_EQ(list[0].server_time, 0u);
+  EXPECT_EQ(list[1].conv_id, u"b");
+  EXPECT_EQ(trace.Count(">>>>>>>>>>>>>>>>>>>>>>>>>MessageStru"), 1u);
+}
+
+TEST(BadInput, HugeArrayOfEmptyMessages) {
+  std::string text = "[{}";
+  for (int i = 1; i < 100000; ++i) text += ",{}";
+  text += "]";
+  std::vector<MessageStru> list;
+  ASSERT_TRUE(records::ParseMessageArray(text, list));
+  EXPECT_EQ(list.size(), 100000u);
+}
+
+}  // namespace
