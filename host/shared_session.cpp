@@ -1,5 +1,7 @@
 #include "host/shared_session.h"
 
+#include <cstdint>
+
 #include "host/host_access.h"
 
 namespace host {
@@ -7,10 +9,12 @@ namespace host {
 bool LeaveSharedSessionAtLogout() {
   HostServices host = AcquireBothServices("LogOutIm  error ");
   if (!host || !host.app->IsInSharedSession()) return false;
-  // The text belongs to the host; copy it before asking the host to leave.
+  // Asked one by one, in this order; the text belongs to the host, so it is
+  // copied before the host is asked to leave.
+  const int32_t groupId = host.app->GetSessionGroupId();
+  const int32_t drawingId = host.app->GetSessionDrawingId();
   const WString sessionText = host.app->GetSessionText();
-  host.cloud->LeaveSharedSession(host.app->GetSessionGroupId(), host.app->GetSessionDrawingId(),
-                                 sessionText.c_str());
+  host.cloud->LeaveSharedSession(groupId, drawingId, sessionText.c_str());
   host.app->EndSharedSession();
   return true;
 }

@@ -1,0 +1,172 @@
+// The local host's own behaviour: the decisions it makes where the host's
+// meaning is its own, and its mirror of the chat engine's groups.
+
+#include <fstream>
+
+#include "host_test_support.h"
+
+namespace host::testing {
+namespace {
+
+// Stands in for the chat engine: it reports its group changes to whatever
+// mirror it was given, as the engine's group hook will.
+class FakeEngine {
+ public:
+  explicit FakeEngine(local::GroupMirror& mirror) : mirror_(mirror) {}
+  void Create(const WString& id, const WString& name, const WString& owner,
+              std::vector<WString> members) {
+    mirror_.OnGroupCreated(id, name, owner, members);
+  }
+  void Join(const WString& id, std::vector<WString> members) {
+    mirror_.OnMembersJoined(id, members);
+  }
+  void Quit(const WString& id, std::vector<WString> members) { mirror_.OnMembersLeft(id, members); }
+  void Rename(const WString& id, const WString& name) { mirror_.OnGroupRenamed(id, name); }
+  void NewOwner(const WString& id, const WString& owner) { mirror_.OnOwnerChanged(id, owner); }
+  void Dismiss(const WString& id) { mirror_.OnGroupDismissed(id); }
+
+ private:
+  local::GroupMirror& mirror_;
+};
+
+class LocalHostBehaviour : public LocalHostTest {
+ protected:
+  HostCloudService& cloud() { return *host_.GetCloudService(); }
+  HostAppService& app() { return *host_.GetAppService(); }
+  std::vector<std::pair<int32_t, int32_t>> Roles(const WString& id) {
+    std::vector<std::pair<int32_t, int32_t>> roles;
+    const GroupDetail group = *host_.FindGroup(id);
+    for (const auto& member : group.members) roles.emplace_back(member.accountId, member.role);
+    return roles;
+  }
+};
+
+TEST_F(LocalHostBehaviour, MirrorsTheEnginesGroupsIdempotently) {
+  FakeEngine engine(host_);
+  engine.Create(u"g2", u"Chat", u"2", {u"2", u"3", u"not-a-number"});
+  engine.Create(u"g2", u"Chat", u"2", {u"2", u"3"});  // reported twice
+  EXPECT_EQ(Roles(u"g2"), (std::vector<std::pair<int32_t, int32_t>>{{2, 1}, {3, 0}}));
+  engine.Join(u"g2", {u"1", u"1", u"4"});
+  engine.Quit(u"g2", {u"3"});
+  engine.NewOwner(u"g2", u"1");
+  engine.Rename(u"g2", u"Renamed");
+  const GroupDetail group = *host_.FindGroup(u"g2");
+  EXPECT_EQ(group.name, u"Renamed");
+  EXPECT_EQ(group.ownerImUserId, u"1");
+  EXPECT_EQ(Roles(u"g2"), (std::vector<std::pair<int32_t, int32_t>>{{1, 1}, {2, 0}, {4, 0}}));
+  int32_t role = -1;
+  EXPECT_TRUE(cloud().GetGroupRole(group.cloudGroupId, role));
+  EXPECT_EQ(role, 1);
+  engine.Join(u"unknown", {u"1"});  // changes to groups never created are dropped
+  engine.Dismiss(u"g2");
+  EXPECT_FALSE(host_.FindGroup(u"g2"));
+  EXPECT_FALSE(host_.FindGroup(u"unknown"));
+}
+
+TEST_F(LocalHostBehaviour, CreatedGroupsAreJoinedAndOwned) {
+  CloudGroupInfo created;
+  EXPECT_FALSE(cloud().CreateCloudGroup(u"Private", u"X", {}, created));
+  ASSERT_TRUE(cloud().CreateCloudGroup(u"Public", u"New", {{2, u"2", u"Bob", u"", 0}}, created));
+  EXPECT_EQ(created.imGroupId, u"group_" + local::ImUserIdOf(created.cloudGroupId));
+  CloudGroupList joined;
+  ASSERT_TRUE(cloud().GetJoinedGroups(joined));
+  EXPECT_EQ(joined.size(), 2u);
+  host_.SignIn(4);
+  ASSERT_TRUE(cloud().GetJoinedGroups(joined));
+  EXPECT_TRUE(joined.empty());
+}
+
+TEST_F(LocalHostBehaviour, DrawingSpaceStoresQueriesAndOpens) {
+  const auto source = space_ / "plan.dwg";
+  std::ofstream(source) << "drawing";
+  WString ref;
+  ASSERT_TRUE(cloud().UploadSpaceFile(0, platform::Utf8ToUtf16(source.string()).c_str(),
+                                      u"description", 0, ref, 0, 1001, 0));
+  EXPECT_EQ(ref, u"1001/1");
+
+  WString found;
+  EXPECT_TRUE(cloud().QuerySpaceFile(1001, found, nullptr, 0, 1));
+  EXPECT_EQ(found, ref);
+  EXPECT_FALSE(cloud().QuerySpaceFile(1001, found, nullptr, 3, 1));  // other folder
+  WString name;
+  WString byName;
+  EXPECT_TRUE(cloud().QuerySpaceFileByName(1001, name, byName, 0, 1));
+  EXPECT_EQ(name, u"plan.dwg");
+  name = u"plan.dwg";
+  EXPECT_TRUE(cloud().QuerySpaceFileByName(1001, name, byName, 0, 99));
+  EXPECT_EQ(byName, ref);
+
+  int32_t error = 0;
+  EXPECT_TRUE(cloud().OpenCloudDrawing(ref.c_str(), error));
+  std::filesystem::remove(space_ / "space" / "1001" / "0" / "plan.dwg");
+  EXPECT_FALSE(cloud().OpenCloudDrawing(ref.c_str(), error));
+  EXPECT_EQ(error, 406);
+  EXPECT_EQ(host_.OpenedCloudDrawings(), std::vector<WString>{ref});
+
+  host_.SignIn(4);  // not in the group
+  EXPECT_FALSE(cloud().UploadSpaceFile(0, platform::Utf8ToUtf16(source.string()).c_str(),
+                                       u"description", 0, ref, 0, 1001, 0));
+}
+
+TEST_F(LocalHostBehaviour, SharedSessionsOfOthersAndOfTheUser) {
+  SharedSessionInfo state;
+  int32_t inSession = -1;
+  EXPECT_TRUE(cloud().QuerySharedSessionState(2, state, inSession));
+  EXPECT_EQ(inSession, 0);
+
+  SharedSessionInfo full;
+  full.participants = 2;
+  full.maxParticipants = 2;
+  host_.SetSessionOf(1001, full);
+  SharedSessionInfo checked;
+  EXPECT_FALSE(cloud().CheckSharedSession(1001, 5, 1, 1, &checked));
+  EXPECT_EQ(checked.maxParticipants, 2);
+  EXPECT_FALSE(cloud().JoinSharedSession(1001, 5, u"t", checked));
+  EXPECT_TRUE(cloud().QuerySharedSessionState(1001, state, inSession));
+  EXPECT_EQ(inSession, 1);
+
+  EXPECT_TRUE(app().EnterSharedDrawing(platform::WindowHandle::kNone, u"t", 1001, 5, u"1001/1"));
+  EXPECT_TRUE(app().IsInSharedSession());
+  EXPECT_EQ(std::u16string_view(app().GetSessionKey()), u"group_1001");
+  EXPECT_TRUE(cloud().QuerySharedSessionState(kSelf, state, inSession));
+  EXPECT_EQ(inSession, 1);
+  EXPECT_EQ(state.drawingId, 5);
+  app().EndSharedSession();
+  EXPECT_FALSE(app().IsInSharedSession());
+}
+
+TEST_F(LocalHostBehaviour, PicturesShareTreeAndFriends) {
+  const auto picture = space_ / "face.png";
+  std::ofstream(picture) << "png";
+  const auto target = space_ / "faces" / "copy.png";
+  EXPECT_TRUE(cloud().DownloadPicture(platform::Utf8ToUtf16(picture.string()).c_str(),
+                                      platform::Utf8ToUtf16(target.string()).c_str()));
+  EXPECT_TRUE(std::filesystem::exists(target));
+  EXPECT_FALSE(cloud().DownloadPicture(u"/nonexistent/face.png",
+                                       platform::Utf8ToUtf16(target.string()).c_str()));
+
+  ShareTreeSelection selection{1001, {u"1001/1"}};
+  cloud().ReleaseShareTree(&selection);
+  EXPECT_TRUE(selection.drawingRefs.empty());
+  cloud().ReleaseShareTree(nullptr);
+
+  EXPECT_EQ(host_.FindAccount(2)->relation, 3);
+  cloud().RemoveCloudFriend(2);
+  EXPECT_EQ(host_.FindAccount(2)->relation, 1);
+}
+
+TEST_F(LocalHostBehaviour, SignedOutHostAnswersFailure) {
+  host_.SignOut();
+  AccountInfo info;
+  GroupDetail detail;
+  CloudGroupList groups;
+  EXPECT_FALSE(cloud().IsHostLoggedIn());
+  EXPECT_FALSE(cloud().SearchAccount(u"bob@example.com", 2, info));
+  EXPECT_FALSE(cloud().GetGroupMembers(u"group_1001", detail));
+  EXPECT_FALSE(cloud().GetJoinedGroups(groups));
+  EXPECT_EQ(info.accountId, -1);
+  EXPECT_EQ(detail.cloudGroupId, -1);
+}
+
+}  // namespace
+}  // namespace host::testing
