@@ -209,47 +209,69 @@ class CChatTools {
   // =====================================================================
 
   // --- Sending ---
+  // Each builds one element and hands it to SendMsg; false when it was refused.
   bool OnSendTextElem(const WString& convId, uint32_t convType, const WString& text);
   bool OnSendImageElem(const WString& convId, uint32_t convType, const WString& imagePath);
   bool OnSendFileElem(const WString& convId, uint32_t convType, const WString& filePath,
                       const WString& fileName, int64_t fileSize);
-  // Sends the uploaded drawing for the placeholder `placeholderLocalId` (0: none).
+  // Sends the uploaded drawing. A `placeholderLocalId` from SendFakeMsg hands
+  // its local id (and its place in the view) to the real message; 0 or an
+  // unknown id gives the message a new one.
   bool OnSenddrawingFileElem(const WString& convId, uint32_t convType,
                              const DrawingMsgStru& drawing, uint32_t placeholderLocalId);
   // The local placeholder of a drawing being uploaded; returns its local id.
   uint32_t SendFakeMsg(const WString& convId, uint32_t convType, const DrawingMsgStru& drawing);
+  // Window thread. `pending.local_id` naming a placeholder takes it over;
+  // otherwise the message gets a new local id. On success `pending` holds the
+  // id and status 1 and the message is in the conversation's list.
   bool SendMsg(const WString& convId, uint32_t convType, const Json::Value& elemArray,
                MessageStru& pending);
+  // Result of a send (any thread): stores the message, or adds the failure notice.
   void OnSendMsgUpdateCallback(const std::string& resultJson, MessageStru& pending, int32_t code);
-  // The local id counter shared by sent messages and local notices.
+  // The local id counter shared by sent messages and local notices (any thread).
   uint32_t NextLocalId();
+  // A send by local id: sending (1), sent (2) or failed (3); a placeholder is
+  // 1 until its drawing is sent. Settled sends stay findable for a while
+  // (kSettledSendsKept) so that the window can read them on 3164.
   std::optional<MessageStru> FindPendingSend(uint32_t localId) const;
+  static constexpr size_t kSettledSendsKept = 256;
   static void TIMMsgSendNewMsgFunc(int32_t code, const char* desc, const char* json, void* user);
   static void TIMSetMsgElemUploadProgressCallbackFunc(const char* json, uint32_t index,
                                                       uint32_t curSize, uint32_t totalSize,
                                                       void* user);
 
   // --- Friendship ---
+  // Each returns the SDK call's result (0: request accepted).
+  // `wording` is replaced by "<own nickname> 请求添加你为好友。".
   int AddFriend(const WString& id, const WString& source, const WString& wording);
-  // `variant` 1 posts 3166 with the page, 2 posts 3186.
+  // A page from the stored sequence. `variant` 1 posts 3166 with the page, 2 posts 3186.
   int RequestPendencyList(int variant);
   int ReportPendencyReaded(uint64_t timeStamp);
+  // Host's RemoveCloudFriend first, then the SDK; the cache entry goes when
+  // the SDK accepted the request.
   int DeleteFriend(const WString& id);
   int ModifyFriendRemark(const WString& id, const WString& remark);
   int RequestUserProfiles(const std::vector<WString>& ids);
   int HandleFriendAddRequest(const WString& id, const WString& remark, const WString& groupName);
+  // Accepts the request; on an accepted call sets `record`'s handled flag
+  // (and the cached entry's) and posts 3167. Null does nothing.
   void AgreeToAddFriends(PendingFriendRequest* record);
+  // DeleteFriend, then the conversation and its history go as well.
   void FriendList_DeleteFriend(const WString& id);
   // Window thread, SdkEventRecord of kind 1.
   void OnFriendAddRequest(const SdkEventRecord& record);
   // Window thread, 3197: the ids (UTF-8 JSON array) leave the friend cache.
   void OnFriendsDeleted(std::unique_ptr<std::string> json);
   std::vector<PendingFriendRequest> PendingRequests() const;
+  uint64_t PendencySequence() const;
   std::optional<UserProfile> FindProfile(const WString& id) const;
+  // A person's name: the friend's display name, else the profile's nickname,
+  // else the id itself.
+  WString PersonName(const WString& id) const;
 
   // --- Drawing sync ---
   // Registered with the host at start-up: sends a drawing-sync payload to the
-  // host's current shared conversation.
+  // host's current shared conversation. Any thread, signed in or not.
   bool sendChatDrawingMsg(const WString& payload);
   // What received drawing payloads ask of the host (pushed messages only).
   DrawingPayloadHandler* ReceivedDrawingHandler();
@@ -316,4 +338,41 @@ class CChatTools {
   mutable std::mutex send_mutex_;
   std::map<uint32_t, MessageStru> pending_sends_;
   uint32_t last_local_id_ = 0;
+
+  // ===== Sending, friendship, drawing sync: private part =====
+  // Send bookkeeping (pending_sends.cpp), all under send_mutex_.
+  uint32_t NextLocalIdLocked();
+  uint32_t RegisterPendingSend(MessageStru& pending, bool* tookOverPlaceholder);
+  void RegisterPlaceholder(MessageStru& placeholder);
+  // The call was refused: a fresh entry goes, a taken-over placeholder fails.
+  bool AbandonPendingSend(uint32_t localId, bool wasPlaceholder);
+  std::optional<MessageStru> SettlePendingSend(uint32_t localId, int32_t code);
+  void RememberSettledLocked(uint32_t localId);
+  void SetSentUniqueId(uint32_t localId, uint64_t uniqueId);
+  // Sending pieces (sending*.cpp).
+  void AddSendFailureNotice(const MessageStru& failed, const WString& text);
+  MessageStru StoredSentMessage(const std::string& resultJson, const MessageStru& pending) const;
+  // Friendship results (friendship_callbacks.cpp).
+  static void AddFriendFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void PendencyListFunc1(int32_t code, const char* desc, const char* json, void* user);
+  static void PendencyListFunc2(int32_t code, const char* desc, const char* json, void* user);
+  static void ReportPendencyReadedFunc(int32_t code, const char* desc, const char* json,
+                                       void* user);
+  static void DeleteFriendFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void ModifyFriendProfileFunc(int32_t code, const char* desc, const char* json,
+                                      void* user);
+  static void UserProfileListFunc(int32_t code, const char* desc, const char* json, void* user);
+  static void HandleFriendAddRequestFunc(int32_t code, const char* desc, const char* json,
+                                         void* user);
+  void OnPendencyPage(const std::string& json, unsigned notice);
+  void OnUserProfiles(const std::string& json);
+  static void SendChatDrawingMsgFunc(int32_t code, const char* desc, const char* json, void* user);
+
+  // Ids of placeholders not yet sent, and settled sends oldest first.
+  std::set<uint32_t> placeholder_ids_;
+  std::list<uint32_t> settled_ids_;
+  // Held by SendMsg from registering a send until the message is in the
+  // conversation's list; the result callback passes it first, so a failure
+  // notice never lands before its message.
+  std::mutex send_order_mutex_;
 };

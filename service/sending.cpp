@@ -1,0 +1,156 @@
+// Sending: the element builders, SendMsg and the drawing placeholder.
+#include <json/json.h>
+
+#include <atomic>
+
+#include "imsdk/im_sdk.h"
+#include "platform/trace.h"
+#include "records/message_parser.h"
+#include "service/chat_tools.h"
+#include "service/posting.h"
+#include "service/sending_json.h"
+#include "service/sending_owner.h"
+
+namespace {
+
+std::string Utf8(const WString& text) {
+  return platform::Utf16ToUtf8(text);
+}
+
+// Logs "<name> enter!!!!!!" now and "<name> exit!!!!!!" when it goes.
+class EnterExitTrace {
+ public:
+  explicit EnterExitTrace(const char* name) : name_(name) {
+    platform::Trace("%s enter!!!!!!", name_);
+  }
+  ~EnterExitTrace() { platform::Trace("%s exit!!!!!!", name_); }
+
+ private:
+  const char* name_;
+};
+
+Json::Value OneElem(Json::Value elem) {
+  Json::Value array(Json::arrayValue);
+  array.append(std::move(elem));
+  return array;
+}
+
+}  // namespace
+
+namespace service {
+
+std::atomic<CChatTools*>& SendOwner() {
+  static std::atomic<CChatTools*> owner{nullptr};
+  return owner;
+}
+
+}  // namespace service
+
+bool CChatTools::OnSendTextElem(const WString& convId, uint32_t convType, const WString& text) {
+  EnterExitTrace trace("OnSendTextElem");
+  Json::Value elem;
+  elem["elem_type"] = 0;
+  elem["text_elem_content"] = Utf8(text);
+  MessageStru pending;
+  if (SendMsg(convId, convType, OneElem(elem), pending)) return true;
+  platform::Trace("SendMessage Failure!");
+  return false;
+}
+
+bool CChatTools::OnSendImageElem(const WString& convId, uint32_t convType,
+                                 const WString& imagePath) {
+  EnterExitTrace trace("OnSendImageElem");
+  Json::Value elem;
+  elem["elem_type"] = 1;
+  elem["image_elem_orig_path"] = Utf8(imagePath);
+  MessageStru pending;
+  if (SendMsg(convId, convType, OneElem(elem), pending)) return true;
+  platform::Trace("SendMessage Failure!");
+  return false;
+}
+
+bool CChatTools::OnSendFileElem(const WString& convId, uint32_t convType, const WString& filePath,
+                                const WString& fileName, int64_t fileSize) {
+  EnterExitTrace trace("OnSendFileElem");
+  Json::Value elem;
+  elem["elem_type"] = 4;
+  elem["file_elem_file_path"] = Utf8(filePath);
+  elem["file_elem_file_name"] = Utf8(fileName);
+  elem["file_elem_file_size"] = Json::Int64(fileSize);
+  MessageStru pending;
+  if (SendMsg(convId, convType, OneElem(elem), pending)) return true;
+  platform::Trace("SendMessage Failure!");
+  return false;
+}
+
+bool CChatTools::OnSenddrawingFileElem(const WString& convId, uint32_t convType,
+                                       const DrawingMsgStru& drawing, uint32_t placeholderLocalId) {
+  EnterExitTrace trace("OnSenddrawingFileElem");
+  Json::Value payload = service::DrawingFilePayload(drawing, UserId());
+  MessageStru pending;
+  pending.local_id = placeholderLocalId;
+  if (SendMsg(convId, convType, OneElem(service::CustomElem(service::CompactText(payload))),
+              pending)) {
+    return true;
+  }
+  platform::Trace("SendMessage Failure!");
+  return false;
+}
+
+uint32_t CChatTools::SendFakeMsg(const WString& convId, uint32_t convType,
+                                 const DrawingMsgStru& drawing) {
+  platform::Trace("OnSendFileElem enter!!!!!!");
+  const WString self = UserId();
+  Json::Value message = service::MessageHeader(self, convId, convType, service::NowSeconds());
+  Json::Value payload = service::DrawingFilePayload(drawing, self);
+  message["message_elem_array"] = OneElem(service::CustomElem(service::CompactText(payload)));
+
+  MessageStru placeholder;
+  records::ParseMessage(message, placeholder);
+  placeholder.is_from_self = true;
+  RegisterPlaceholder(placeholder);
+  AppendConversationMessage(convId, placeholder);
+  service::Post(ChatWindow(), platform::msg::kRefreshMessageView, 2);
+  platform::Trace("SendFakeMsg exit!!!!!!");
+  return placeholder.local_id;
+}
+
+bool CChatTools::SendMsg(const WString& convId, uint32_t convType, const Json::Value& elemArray,
+                         MessageStru& pending) {
+  platform::Trace("SendMsg enter!!!!!!");
+  Json::Value message = service::MessageHeader(UserId(), convId, convType, service::NowSeconds());
+  message["message_platform"] = service::kMessagePlatform;
+  message["message_elem_array"] = elemArray;
+  const uint32_t wanted = pending.local_id;
+  pending = MessageStru{};
+  records::ParseMessage(message, pending);
+  pending.is_from_self = true;
+  pending.local_id = wanted;
+
+  {
+    // Until the message is in the conversation's list, its result waits.
+    std::lock_guard order(send_order_mutex_);
+    bool tookOver = false;
+    const uint32_t localId = RegisterPendingSend(pending, &tookOver);
+    service::SendOwner().store(this);
+    auto userData = std::make_unique<uint32_t>(localId);
+    int ret = TIMMsgSendNewMsg(Utf8(convId).c_str(), static_cast<int32_t>(convType),
+                               service::StyledText(message).c_str(),
+                               &CChatTools::TIMMsgSendNewMsgFunc, userData.get());
+    if (ret != 0) {
+      platform::Trace("发送消息失败!!!");
+      if (AbandonPendingSend(localId, tookOver)) {
+        service::Post(ChatWindow(), platform::msg::kTransferStateChanged, localId);
+      }
+      return false;
+    }
+    userData.release();  // the result callback frees it
+    // A placeholder's message is in the list already, under the same id.
+    if (!tookOver) AppendConversationMessage(convId, pending);
+  }
+  platform::WindowHandle window = ChatWindow();
+  service::Post(window, platform::msg::kRefreshMessageView, 2);
+  service::Post(window, platform::msg::kClearComposer);
+  platform::Trace("SendMsg exit!!!!!!");
+  return true;
+}

@@ -1,0 +1,256 @@
+// The friendship service against the embedded engine and the local host.
+#include <json/json.h>
+
+#include "host/local/local_host.h"
+#include "store/chat_db.h"
+#include "tests/service/sdk_call_log.h"
+#include "tests/service/service_fixture.h"
+
+namespace service_test {
+namespace {
+
+class FriendshipTest : public ServiceTest {
+ protected:
+  void SetUp() override {
+    ServiceTest::SetUp();
+    host_.Install();
+  }
+  void TearDown() override {
+    host_.Uninstall();
+    ServiceTest::TearDown();
+  }
+  std::vector<std::string> HostCallsOf(const std::string& name) {
+    std::vector<std::string> args;
+    for (const host::local::HostCall& call : host_.Calls()) {
+      if (call.name == name) args.push_back(call.args);
+    }
+    return args;
+  }
+  bool HasFriend(const char16_t* id) { return tools->FindFriend(id).has_value(); }
+
+  host::local::LocalHost host_{testing::TempDir() + "service_send_space"};
+};
+
+TEST_F(FriendshipTest, ParameterObjectsCarryExactlyTheirKeys) {
+  SdkCallLog log;
+  ASSERT_TRUE(SignIn());
+  ASSERT_TRUE(PumpUntil([&] { return tools->FindProfile(u"10001").has_value(); }));
+  const struct {
+    const char* function;
+    std::function<int()> call;
+    std::vector<std::string> keys;
+  } cases[] = {
+      {"TIMFriendshipAddFriend",
+       [&] { return tools->AddFriend(u"10003", u"账户查找", u"加好友"); },
+       {"friendship_add_friend_param_add_source", "friendship_add_friend_param_add_wording",
+        "friendship_add_friend_param_friend_type", "friendship_add_friend_param_identifier"}},
+      {"TIMFriendshipGetPendencyList",
+       [&] { return tools->RequestPendencyList(2); },
+       {"friendship_get_pendency_list_param_start_seq", "friendship_get_pendency_list_param_type"}},
+      {"TIMFriendshipModifyFriendProfile",
+       [&] { return tools->ModifyFriendRemark(u"10002", u"Boss"); },
+       {"friendship_modify_friend_profile_param_identifier",
+        "friendship_modify_friend_profile_param_item"}},
+      {"TIMProfileGetUserProfileList",
+       [&] { return tools->RequestUserProfiles({u"10003"}); },
+       {"friendship_getprofilelist_param_force_update",
+        "friendship_getprofilelist_param_identifier_array"}},
+      {"TIMFriendshipHandleFriendAddRequest",
+       [&] { return tools->HandleFriendAddRequest(u"10003", u"", u""); },
+       {"friend_respone_action", "friend_respone_group_name", "friend_respone_identifier",
+        "friend_respone_remark"}},
+      {"TIMFriendshipDeleteFriend",
+       [&] { return tools->DeleteFriend(u"10003"); },
+       {"friendship_delete_friend_param_friend_type",
+        "friendship_delete_friend_param_identifier_array"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.function);
+    size_t before = log.CallsOf(c.function).size();
+    EXPECT_EQ(c.call(), 0);
+    std::vector<Json::Value> calls = log.CallsOf(c.function);
+    ASSERT_EQ(calls.size(), before + 1);
+    EXPECT_EQ(Keys(SdkCallLog::Param(calls.back(), "json")), c.keys);
+  }
+  Json::Value add = SdkCallLog::Param(log.CallsOf("TIMFriendshipAddFriend")[0], "json");
+  EXPECT_EQ(add["friendship_add_friend_param_friend_type"].asInt(), 1);
+  EXPECT_EQ(add["friendship_add_friend_param_add_source"].asString(), "账户查找");
+  EXPECT_EQ(add["friendship_add_friend_param_add_wording"].asString(),
+            "nick10001 请求添加你为好友。");
+  Json::Value remark =
+      SdkCallLog::Param(log.CallsOf("TIMFriendshipModifyFriendProfile")[0], "json");
+  EXPECT_EQ(Keys(remark["friendship_modify_friend_profile_param_item"]),
+            (std::vector<std::string>{"friend_profile_item_group_name_array",
+                                      "friend_profile_item_remark"}));
+  Json::Value answer =
+      SdkCallLog::Param(log.CallsOf("TIMFriendshipHandleFriendAddRequest")[0], "json");
+  EXPECT_EQ(answer["friend_respone_action"].asInt(), 1);
+  Json::Value removal = SdkCallLog::Param(log.CallsOf("TIMFriendshipDeleteFriend")[0], "json");
+  EXPECT_EQ(removal["friendship_delete_friend_param_friend_type"].asInt(), 0);
+  EXPECT_EQ(removal["friendship_delete_friend_param_identifier_array"][0].asString(), "10003");
+  // The peer got the request with the wording.
+  EXPECT_EQ(engine.PendencyCount("10003"), 1u);
+  ASSERT_TRUE(PumpUntil([&] { return traces.Contains("添加好友 成功!!! cb code:0"); }));
+}
+
+TEST_F(FriendshipTest, IncomingRequestIsListedAcceptedAndMarkedHandled) {
+  ASSERT_TRUE(SignIn());
+  ClearSeen();
+  ASSERT_EQ(engine.RequestFriend("10003", "10001", "hi"), TIM_FRIEND_RESULT_PENDING);
+  ASSERT_TRUE(PumpUntilEvent(kSdkEventFriendAddRequest));
+  EXPECT_TRUE(traces.Contains("OnFriendAddRequest in"));
+  ASSERT_TRUE(PumpUntil([&] { return tools->FindProfile(u"10003").has_value(); }));
+  EXPECT_GE(CountSeen(platform::msg::kFriendRequestsChanged), 1u);
+  EXPECT_EQ(tools->PersonName(u"10003"), u"nick10003");
+
+  ASSERT_EQ(tools->RequestPendencyList(2), 0);
+  ASSERT_TRUE(PumpUntil([&] { return CountSeen(platform::msg::kFriendRequestListChanged) >= 1; }));
+  std::vector<PendingFriendRequest> requests = tools->PendingRequests();
+  ASSERT_EQ(requests.size(), 1u);
+  EXPECT_EQ(requests[0].pendency.identifier, u"10003");
+  EXPECT_FALSE(requests[0].handled);
+
+  tools->AgreeToAddFriends(&requests[0]);
+  EXPECT_TRUE(requests[0].handled);
+  EXPECT_TRUE(tools->PendingRequests().at(0).handled);
+  ASSERT_TRUE(PumpUntil([&] {
+    return CountSeen(platform::msg::kFriendRequestHandled) >= 1 &&
+           CountSeen(platform::msg::kFriendRequestAccepted) >= 1;
+  }));
+  EXPECT_TRUE(traces.Contains("处理加好友的请求成功!!!"));
+  // Both list each other now, and the friend list follows.
+  std::vector<std::string> friends = engine.FriendsOf("10001");
+  EXPECT_NE(std::find(friends.begin(), friends.end(), "10003"), friends.end());
+  ASSERT_TRUE(PumpUntil([&] { return HasFriend(u"10003"); }));
+
+  // A later page no longer has the request; the accepted one stays, marked.
+  ASSERT_EQ(tools->RequestPendencyList(2), 0);
+  ASSERT_TRUE(PumpUntil([&] { return CountSeen(platform::msg::kFriendRequestListChanged) >= 2; }));
+  requests = tools->PendingRequests();
+  ASSERT_EQ(requests.size(), 1u);
+  EXPECT_TRUE(requests[0].handled);
+}
+
+TEST_F(FriendshipTest, AnswerThatIsRefusedLeavesTheRequestUnhandled) {
+  ASSERT_TRUE(SignIn());
+  ClearSeen();
+  PendingFriendRequest record;
+  record.pendency.identifier = u"10003";
+  engine.FailNextCall("TIMFriendshipHandleFriendAddRequest", 1);
+  tools->AgreeToAddFriends(&record);
+  tools->AgreeToAddFriends(nullptr);
+  PumpUntil([] { return false; }, std::chrono::milliseconds(100));
+  EXPECT_FALSE(record.handled);
+  EXPECT_EQ(CountSeen(platform::msg::kFriendRequestAccepted), 0u);
+  EXPECT_EQ(CountSeen(platform::msg::kFriendRequestHandled), 0u);
+  EXPECT_EQ(traces.Count("AgreeToAddFriends enter!!!!!!"), 2u);
+  EXPECT_EQ(traces.Count("AgreeToAddFriends exit!!!!!!"), 2u);
+}
+
+TEST_F(FriendshipTest, DeletingAFriendTellsTheHostFirstThenDropsFriendAndHistory) {
+  SdkCallLog log;
+  ASSERT_TRUE(SignIn());
+  ASSERT_TRUE(HasFriend(u"10002"));
+  ASSERT_TRUE(tools->OnSendTextElem(u"10002", 1, u"bye"));
+  ASSERT_TRUE(PumpUntil([&] { return CountSeen(platform::msg::kTransferStateChanged) >= 1; }));
+  std::vector<MessageStru> rows;
+  CChatDb::Instance().QueryCurrentConvMsg(u"10002", u"10001", 10, rows);
+  ASSERT_EQ(rows.size(), 1u);
+  ClearSeen();
+
+  tools->FriendList_DeleteFriend(u"10002");
+  EXPECT_EQ(HostCallsOf("RemoveCloudFriend"), std::vector<std::string>{"10002"});
+  EXPECT_FALSE(HasFriend(u"10002"));
+  rows.clear();
+  CChatDb::Instance().QueryCurrentConvMsg(u"10002", u"10001", 10, rows);
+  EXPECT_TRUE(rows.empty());
+  ASSERT_TRUE(PumpUntil([&] { return traces.Contains("删除好友 成功!!!"); }));
+  DrainNow();
+  EXPECT_GE(CountSeen(platform::msg::kFriendListChanged), 1u);
+  std::vector<std::string> friends = engine.FriendsOf("10001");
+  EXPECT_EQ(std::find(friends.begin(), friends.end(), "10002"), friends.end());
+}
+
+TEST_F(FriendshipTest, DeletingSomeoneNotInTheCacheStillReachesHostAndSdk) {
+  SdkCallLog log;
+  ASSERT_TRUE(SignIn());
+  ASSERT_FALSE(HasFriend(u"10003"));
+  tools->FriendList_DeleteFriend(u"10003");
+  EXPECT_EQ(HostCallsOf("RemoveCloudFriend"), std::vector<std::string>{"10003"});
+  EXPECT_EQ(log.CallsOf("TIMFriendshipDeleteFriend").size(), 1u);
+  ASSERT_TRUE(PumpUntil([&] { return traces.Contains("删除好友 "); }));
+
+  // The host is told even when the SDK then refuses; the friend stays.
+  engine.FailNextCall("TIMFriendshipDeleteFriend", 1);
+  EXPECT_NE(tools->DeleteFriend(u"10002"), 0);
+  EXPECT_EQ(HostCallsOf("RemoveCloudFriend").size(), 2u);
+  EXPECT_TRUE(HasFriend(u"10002"));
+}
+
+TEST_F(FriendshipTest, RemarkChangeRenamesTheFriendEverywhere) {
+  ASSERT_TRUE(SignIn());
+  EXPECT_EQ(tools->PersonName(u"10002"), u"nick10002");
+  ASSERT_EQ(tools->ModifyFriendRemark(u"10002", u"Boss"), 0);
+  ASSERT_TRUE(PumpUntil([&] {
+    std::optional<FriendsList_Stru> f = tools->FindFriend(u"10002");
+    return f && f->remark == u"Boss";
+  }));
+  EXPECT_EQ(tools->PersonName(u"10002"), u"Boss");
+  EXPECT_EQ(tools->GetConvNickName(1, u"10002"), u"Boss");
+  EXPECT_TRUE(traces.Contains("更新好友资料 成功!!!"));
+}
+
+TEST_F(FriendshipTest, PendingRequestsArePagedFromTheStoredSequence) {
+  for (int i = 0; i < 25; ++i) {
+    std::string id = std::to_string(20000 + i);
+    ASSERT_TRUE(engine.CreateAccount(id));
+    ASSERT_EQ(engine.RequestFriend(id, "10001", "hi"), TIM_FRIEND_RESULT_PENDING);
+  }
+  SdkCallLog log;
+  ASSERT_TRUE(SignIn());
+  // The sign-in asked for the first page.
+  ASSERT_TRUE(PumpUntil([&] { return tools->PendencySequence() != 0; }));
+  const uint64_t stored = tools->PendencySequence();
+  EXPECT_EQ(tools->PendingRequests().size(), 20u);
+  ASSERT_EQ(tools->RequestPendencyList(2), 0);
+  std::vector<Json::Value> calls = log.CallsOf("TIMFriendshipGetPendencyList");
+  ASSERT_EQ(calls.size(), 2u);
+  EXPECT_EQ(SdkCallLog::Param(calls[0], "json")["friendship_get_pendency_list_param_start_seq"]
+                .asUInt64(),
+            0u);
+  Json::Value second = SdkCallLog::Param(calls[1], "json");
+  EXPECT_EQ(second["friendship_get_pendency_list_param_start_seq"].asUInt64(), stored);
+  EXPECT_EQ(second["friendship_get_pendency_list_param_type"].asInt(), 0);
+  ASSERT_TRUE(PumpUntil([&] { return tools->PendencySequence() == 0; }));
+  EXPECT_EQ(tools->PendingRequests().size(), 5u);
+}
+
+TEST_F(FriendshipTest, UnreadableJsonIsTracedAndKeepsTheCaches) {
+  ASSERT_TRUE(SignIn());
+  ClearSeen();
+  SdkEventRecord garbage;
+  garbage.kind = kSdkEventFriendAddRequest;
+  garbage.text = "{not json";
+  tools->OnFriendAddRequest(garbage);
+  tools->OnFriendsDeleted(std::make_unique<std::string>("["));
+  tools->OnFriendsDeleted(std::make_unique<std::string>(R"([{"id": 1}])"));
+  DrainNow();
+  EXPECT_EQ(traces.Count("解析json数据错误！error:"), 3u);
+  EXPECT_TRUE(HasFriend(u"10002"));
+  EXPECT_TRUE(seen_.empty());
+
+  // The 3197 handler with the ids the SDK reports.
+  tools->OnFriendsDeleted(std::make_unique<std::string>(R"(["10002","nobody"])"));
+  DrainNow();
+  EXPECT_FALSE(HasFriend(u"10002"));
+  EXPECT_EQ(CountSeen(platform::msg::kFriendListChanged), 1u);
+}
+
+TEST_F(FriendshipTest, ReadReportIsTraced) {
+  ASSERT_TRUE(SignIn());
+  ASSERT_EQ(tools->ReportPendencyReaded(1700000000), 0);
+  ASSERT_TRUE(PumpUntil([&] { return traces.Contains("上报好友添加请求未决信息已读成功!!!"); }));
+}
+
+}  // namespace
+}  // namespace service_test
