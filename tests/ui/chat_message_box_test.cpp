@@ -127,8 +127,8 @@ TEST(CChatMessageBox, LosingFocusLeavesTheBoxOpen) {
   bool stillOpen = false;
   WithBox(
       [&](QWidget* box) {
-        QEvent deactivate(QEvent::WindowDeactivate);
-        QApplication::sendEvent(box, &deactivate);
+        QApplication::setActiveWindow(box);
+        QApplication::setActiveWindow(nullptr);
         QCoreApplication::processEvents();
         stillOpen = box->isVisible();
         Click("ChatMessagebox_CancelBtn")(box);

@@ -192,16 +192,18 @@ void WindowHost::Drain(bool everything) {
   }
 }
 
-bool WindowHost::event(QEvent* event) {
-  BusyScope busy(this);
-  if (event->type() == kWakeEvent) {
-    Drain();
-    return true;
-  }
-  if (event->type() == QEvent::WindowDeactivate && window_ && !shuttingDown_) {
+// The wake event is the only custom event posted to the host. It is
+// allocated by the posting thread, so it is never read here: TSan cannot see
+// the toolkit's own queue lock, only the mailbox's.
+void WindowHost::customEvent(QEvent*) {
+  Drain();
+}
+
+void WindowHost::changeEvent(QEvent* event) {
+  QDialog::changeEvent(event);
+  if (event->type() == QEvent::ActivationChange && !isActiveWindow() && window_ && !shuttingDown_) {
     Deliver(kWmKillFocus, 0, 0);
   }
-  return QDialog::event(event);
 }
 
 void WindowHost::closeEvent(QCloseEvent* event) {

@@ -51,7 +51,8 @@ class WindowHost : public QDialog {
   void reject() override;
 
  protected:
-  bool event(QEvent* event) override;
+  void customEvent(QEvent* event) override;
+  void changeEvent(QEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
