@@ -35,6 +35,14 @@ bench: deps
 	cmake --build build -j$(JOBS)
 	cmake --build build --target run_benchmarks
 
+# The demo host: builds the module and runs it beside a placeholder drawing.
+# Without a display (or with DEMO_ARGS=--headless) it runs a short script
+# offscreen, writes a screenshot into the data folder and exits.
+demo: deps
+	$(call configure,build,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
+	cmake --build build -j$(JOBS) --target im_demo
+	build/apps/im_demo $(DEMO_ARGS)
+
 format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
 

@@ -1,0 +1,29 @@
+#pragma once
+// The headless run: a short script that exercises the loaded module end to
+// end and reports what happened.
+
+#include <string>
+
+#include "apps/demo_world.h"
+#include "module/module_library.h"
+
+class QWidget;
+
+namespace demo {
+
+struct ScriptResult {
+  bool ok = false;
+  std::string screenshot;
+};
+
+// Runs with the user signed in and the chat window shown. Prints each step.
+ScriptResult RunHeadlessScript(im_exports::ModuleLibrary& module, const World& world,
+                               const std::string& dataRoot);
+
+// The module's chat window among the application's top-level windows.
+QWidget* FindChatWindow();
+
+// Messages in the user's Chat.db (-1 when it cannot be read).
+int StoredMessageCount(const std::string& dbPath);
+
+}  // namespace demo

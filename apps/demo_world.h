@@ -1,0 +1,26 @@
+#pragma once
+// The demo's world: the chat engine plays the server and the other users,
+// the local host plays the drawing application's cloud services.
+
+#include <string>
+
+#include "host/local/local_host.h"
+
+namespace demo {
+
+inline constexpr const char* kUser = "10001";       // the signed-in user
+inline constexpr const char* kAnswering = "10002";  // friend who answers every text
+inline constexpr const char* kQuiet = "10003";      // friend who only writes in the group
+inline constexpr const char* kStranger = "10004";   // asks to become a friend
+inline constexpr const char* kReplyPrefix = "收到：";
+inline constexpr int kReplyDelayMs = 400;
+
+struct World {
+  std::string groupId;
+};
+
+// Accounts, friendships, the group with its first messages and the pending
+// friend request, in the engine and (accounts, group) in the local host.
+World SeedWorld(host::local::LocalHost& host);
+
+}  // namespace demo

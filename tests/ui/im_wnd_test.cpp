@@ -1,0 +1,242 @@
+// The main window's frame: creation, closing, layouts, the network page, the
+// ChatRecord height, the scroll timers, the custom messages it receives and
+// the window port from other threads.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QLabel>
+#include <QTimer>
+
+#include <memory>
+#include <thread>
+
+#include "host/local/local_host.h"
+#include "platform/trace.h"
+#include "service/chat_tools.h"
+#include "service/current_conversation.h"
+#include "service/named_mutexes.h"
+#include "service/posting.h"
+#include "service/sdk_event_record.h"
+#include "tests/ui/test_window.h"
+#include "ui/main/im_wnd.h"
+#include "ui/port/chat_window_port.h"
+
+namespace {
+
+using ui::test::PumpUntil;
+
+class ImWndTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    tools_.AttachWindow(&port_);
+    ASSERT_TRUE(window_.CreateChatWindow());
+  }
+  void TearDown() override {
+    tools_.AttachWindow(nullptr);
+    window_.DestroyChatWindow();
+    service::ForgetCurrentConversation();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+
+  void ShowAt(int height) {
+    window_.MoveWindow(ui::Rect{0, 0, 960, height});
+    window_.ShowChat();
+  }
+  int TabPage() { return window_.FindControl("tabs").GetCurSel(); }
+  int ChatPage() { return window_.FindControl("IMWnd_ChatModule").GetCurSel(); }
+  void ClickClose() { window_.SendNotify(window_.FindControl("IMWnd_closebtn"), ui::kNotifyClick); }
+
+  CChatTools tools_;
+  CIMWnd window_{tools_};
+  ui::ChatWindowPort port_{window_};
+};
+
+TEST_F(ImWndTest, ConstructionCreatesTheModuleMutexesAndStartsWithNoConversation) {
+  EXPECT_EQ(service::ModuleMutexes().size(), 20u);
+  EXPECT_EQ(service::CurrentConvId(), u"error");
+}
+
+TEST_F(ImWndTest, StartsHiddenOnTheConversationsPageAndTheEmptyChatPage) {
+  EXPECT_FALSE(window_.IsWindowVisible());
+  EXPECT_FALSE(window_.CreateChatWindow());
+  EXPECT_EQ(TabPage(), CIMWnd::kConversationsPage);
+  EXPECT_EQ(ChatPage(), CIMWnd::kEmptyChatPage);
+  EXPECT_TRUE(window_.FindControl("RecentConverBtn").IsSelected());
+  EXPECT_FALSE(window_.FindControl("FriendsListBtn").IsSelected());
+  EXPECT_NE(port_.ChatWindow(), platform::WindowHandle::kNone);
+}
+
+TEST_F(ImWndTest, TwoClicksOnCloseHideAndDisplayShowsAgainWithStateIntact) {
+  ShowAt(680);
+  window_.FindControl("IMWnd_SessionName").SetText(u"王工");
+  window_.FindControl("tabs").SelectItem(CIMWnd::kFriendsPage);
+  ClickClose();
+  ClickClose();
+  EXPECT_TRUE(PumpUntil([&] { return !window_.IsWindowVisible(); }));
+  QCoreApplication::processEvents();  // the second close arrives on a hidden window
+  EXPECT_TRUE(window_.IsCreated());
+  EXPECT_FALSE(port_.IsWindowVisible());
+  window_.ShowChat();
+  EXPECT_TRUE(window_.IsWindowVisible());
+  EXPECT_EQ(window_.FindControl("IMWnd_SessionName").GetText(), u"王工");
+  EXPECT_EQ(TabPage(), CIMWnd::kFriendsPage);
+}
+
+TEST_F(ImWndTest, HideChatWindowWithoutASharedSessionChangesNothing) {
+  host::local::LocalHost host("space");
+  for (bool installed : {false, true}) {
+    if (installed) host.Install();
+    window_.HideChatWindow();
+    for (const char* name :
+         {"IMWnd_Col1", "IMWnd_Col4", "IMWnd_SharedChatBtn", "ChatDrawBtn", "GroupFunctionBtn"}) {
+      EXPECT_TRUE(window_.FindControl(name).IsVisible()) << name << " host " << installed;
+    }
+  }
+  SharedSessionInfo session;
+  session.sessionKey = u"@TGS#1";
+  host.SetSharedSession(session);
+  window_.HideChatWindow();
+  EXPECT_FALSE(window_.FindControl("IMWnd_Col3").IsVisible());
+  window_.DisplayChatWindow();
+  EXPECT_TRUE(window_.FindControl("IMWnd_Col3").IsVisible());
+  host.Uninstall();
+}
+
+TEST_F(ImWndTest, ChatRecordHeightFormulaTruncatesTowardZero) {
+  struct Case {
+    int windowHeight;
+    int expected;
+  };
+  for (Case c : {Case{142, 0}, Case{141, 0}, Case{140, -1}, Case{100, -30}, Case{680, 384},
+                 Case{143, 0}, Case{144, 1}}) {
+    EXPECT_EQ(CIMWnd::ChatRecordHeight(c.windowHeight), c.expected) << c.windowHeight;
+  }
+}
+
+TEST_F(ImWndTest, ResizingSetsTheChatRecordHeightFromTheWindowHeight) {
+  ShowAt(680);
+  ASSERT_TRUE(PumpUntil([&] { return window_.FindControl("ChatRecord").GetFixedHeight() != 0; }));
+  int height = window_.GetWindowRect().Height();
+  EXPECT_EQ(window_.FindControl("ChatRecord").GetFixedHeight(), CIMWnd::ChatRecordHeight(height));
+  window_.MoveWindow(ui::Rect{0, 0, 960, 700});
+  height = window_.GetWindowRect().Height();
+  EXPECT_TRUE(PumpUntil([&] {
+    return window_.FindControl("ChatRecord").GetFixedHeight() == CIMWnd::ChatRecordHeight(height);
+  }));
+}
+
+TEST_F(ImWndTest, NetworkStatusMessageSwitchesToTheNetworkPageAndBack) {
+  CChatTools::TIMSetNetworkStatusListenerCallbackFunc(1, 0, "down", &tools_);
+  EXPECT_TRUE(PumpUntil([&] { return TabPage() == CIMWnd::kNetworkDownPage; }));
+  CChatTools::TIMSetNetworkStatusListenerCallbackFunc(0, 0, "up", &tools_);
+  EXPECT_TRUE(PumpUntil([&] { return TabPage() == CIMWnd::kConversationsPage; }));
+
+  window_.FindControl("RecentConverBtn").Selected(false, false);
+  window_.FindControl("FriendsListBtn").Selected(true, false);
+  CChatTools::TIMSetNetworkStatusListenerCallbackFunc(1, 0, "down", &tools_);
+  ASSERT_TRUE(PumpUntil([&] { return TabPage() == CIMWnd::kNetworkDownPage; }));
+  CChatTools::TIMSetNetworkStatusListenerCallbackFunc(0, 0, "up", &tools_);
+  EXPECT_TRUE(PumpUntil([&] { return TabPage() == CIMWnd::kFriendsPage; }));
+}
+
+TEST_F(ImWndTest, MoveMessageMovesTheWindowAndFreesTheRectangle) {
+  ShowAt(680);
+  auto rect = std::make_unique<ui::Rect>(ui::Rect{30, 40, 830, 640});
+  ASSERT_TRUE(service::PostOwned(port_.ChatWindow(), platform::msg::kMoveWindow, std::move(rect)));
+  EXPECT_TRUE(PumpUntil([&] {
+    ui::Rect r = window_.GetWindowRect();
+    return r.left == 30 && r.top == 40 && r.Width() == 800;
+  }));
+}
+
+TEST_F(ImWndTest, ConversationGoneShowsTheEmptyPageOnlyForTheOpenConversation) {
+  window_.FindControl("IMWnd_ChatModule").SelectItem(0);
+  service::SetCurrentConversation(u"c2c_10002", 1);
+  service::SetCurrentPeerId(u"10002");
+  service::PostOwned(port_.ChatWindow(), platform::msg::kConversationDatum,
+                     std::make_unique<WString>(u"c2c_other"));
+  platform::PostMessage(port_.ChatWindow(), platform::msg::kConversationDatum, 0, 0);
+  PumpUntil([] { return false; }, 50);
+  EXPECT_EQ(ChatPage(), 0);
+  EXPECT_EQ(service::CurrentPeerId(), u"10002");
+
+  service::PostOwned(port_.ChatWindow(), platform::msg::kConversationDatum,
+                     std::make_unique<WString>(u"c2c_10002"));
+  EXPECT_TRUE(PumpUntil([&] { return ChatPage() == CIMWnd::kEmptyChatPage; }));
+  EXPECT_EQ(service::CurrentPeerId(), u"");
+}
+
+TEST_F(ImWndTest, SdkEventRecordIsDispatchedAndFreed) {
+  auto record = std::make_unique<SdkEventRecord>();
+  record->kind = kSdkEventConversationList;
+  record->text = R"([{"conv_id":"10002","conv_type":1}])";
+  platform::ScopedTraceCapture trace;
+  ASSERT_TRUE(service::PostOwned(port_.ChatWindow(), platform::msg::kSdkEvent, std::move(record)));
+  EXPECT_TRUE(PumpUntil([&] { return trace.Contains("DealConvListFunc"); }));
+}
+
+TEST_F(ImWndTest, ScrollTimersScrollTheMessageViewToTheBottomAndTheTop) {
+  ShowAt(680);
+  window_.FindControl("IMWnd_ChatModule").SelectItem(0);  // the chat page
+  ui::Control list = window_.FindControl("HisRecordList");
+  for (int i = 0; i < 30; ++i) {
+    ui::Control item = window_.CreateFromSkin("SystemReminder.xml");
+    ASSERT_TRUE(item);
+    ASSERT_TRUE(list.Add(item));
+  }
+  ASSERT_TRUE(PumpUntil([&] { return list.GetScrollRange() > 0; }));
+  window_.StartScrollTimer(CIMWnd::kScrollToBottomTimer);
+  EXPECT_TRUE(window_.IsTimerPending(CIMWnd::kScrollToBottomTimer));
+  EXPECT_TRUE(PumpUntil([&] { return list.GetScrollPos() == list.GetScrollRange(); }));
+  EXPECT_FALSE(window_.IsTimerPending(CIMWnd::kScrollToBottomTimer));
+  window_.StartScrollTimer(CIMWnd::kScrollToTopTimer);
+  EXPECT_TRUE(PumpUntil([&] { return list.GetScrollPos() == 0; }));
+}
+
+TEST_F(ImWndTest, PortRequestsFromAnotherThreadAreCarriedOutByTheWindow) {
+  ShowAt(680);
+  window_.FindControl("ChatWindow_SendrichEdit").SetText(u"草稿");
+  service::SetCurrentConversation(u"c2c_10002", 1);
+  QString boxText;
+  QTimer watcher;
+  QObject::connect(&watcher, &QTimer::timeout, [&] {
+    if (QWidget* box = QApplication::activeModalWidget()) {
+      if (auto* label = box->findChild<QLabel*>("ChatMessagebox_Msg")) boxText = label->text();
+      box->close();
+    }
+  });
+  watcher.start(20);
+  bool visibleSeen = false;
+  bool answer = true;
+  std::thread sdk([&] {
+    visibleSeen = port_.IsWindowVisible();
+    port_.ShowMessageBox(service::BoxOwner::kChatWindow, u"登录通知", u"您的账号在其他设备登录!!!");
+    port_.ResetWindow();
+    port_.HideWindow();
+    port_.FlashHostWindowIfMinimised();
+    answer = port_.Confirm(u"问题", u"确定吗？");
+  });
+  sdk.join();
+  EXPECT_TRUE(visibleSeen);
+  EXPECT_FALSE(answer);  // a question cannot wait off the window thread
+  EXPECT_TRUE(PumpUntil([&] { return !boxText.isEmpty() && !window_.IsWindowVisible(); }));
+  EXPECT_EQ(boxText, QStringLiteral("您的账号在其他设备登录!!!"));
+  EXPECT_EQ(window_.FindControl("ChatWindow_SendrichEdit").GetText(), u"");
+  EXPECT_EQ(service::CurrentConvId(), u"error");
+  EXPECT_EQ(ChatPage(), CIMWnd::kEmptyChatPage);
+}
+
+TEST_F(ImWndTest, DestroyingFreesPayloadsStillQueued) {
+  platform::WindowHandle handle = port_.ChatWindow();
+  ASSERT_TRUE(
+      service::PostOwned(handle, platform::msg::kSdkEvent, std::make_unique<SdkEventRecord>()));
+  ASSERT_TRUE(service::PostOwned(handle, platform::msg::kMoveWindow, std::make_unique<ui::Rect>()));
+  ASSERT_TRUE(
+      service::PostOwned(handle, ui::port_msg::kShowBox, std::make_unique<PortBoxRequest>()));
+  window_.DestroyChatWindow();
+  EXPECT_FALSE(window_.IsCreated());
+  EXPECT_EQ(port_.ChatWindow(), platform::WindowHandle::kNone);
+  EXPECT_FALSE(service::Post(handle, platform::msg::kNetworkStatusChanged));
+}
+
+}  // namespace
