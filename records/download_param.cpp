@@ -26,7 +26,8 @@ std::string BuildDownloadParam(int32_t flag, int32_t elem_type, const WString& i
   param["msg_download_elem_param_business_id"] = Json::Int64{business_id};
   param["msg_download_elem_param_url"] = platform::Utf16ToUtf8(url);
 
-  thread_local std::unique_ptr<Json::StreamWriter> writer = MakeStyledWriter();
+  // Per call: a thread_local writer would pin the module after unloading.
+  const std::unique_ptr<Json::StreamWriter> writer = MakeStyledWriter();
   std::ostringstream text;
   writer->write(param, &text);
   text << '\n';
