@@ -130,7 +130,7 @@ int main(int argc, char** argv) {
 
   int exitCode = 0;
   if (headless) {
-    demo::ScriptResult result = demo::RunHeadlessScript(module, world, dataRoot);
+    demo::ScriptResult result = demo::RunHeadlessScript(module, host, world, dataRoot);
     if (result.ok) {
       std::printf("Screenshot of the chat window: %s\n", result.screenshot.c_str());
     }

@@ -11,7 +11,13 @@
 #include <cstdio>
 #include <functional>
 
+#include <json/json.h>
+
+#include <ctime>
+
+#include "host/local/local_host.h"
 #include "imsdk/engine_control.h"
+#include "platform/strings.h"
 
 namespace demo {
 namespace {
@@ -50,6 +56,33 @@ bool SendThroughWindow(const std::string& text) {
                    2000);
 }
 
+// The user writes in the shared chat on a drawing with 王工: the host hands
+// the message to the module, whose service sends it. True when it reached
+// the engine.
+bool SendInSharedChat(host::local::LocalHost& host, const std::string& text) {
+  SharedSessionInfo session;
+  session.sessionKey = platform::W(kAnswering);
+  session.sessionText = u"demo-shared-drawing";
+  host.SetSharedSession(session);
+  Json::Value payload;
+  payload["msgType"] = 2;  // a message of the shared chat
+  payload["data"]["fromUserId"] = kUser;
+  payload["data"]["fromUserName"] = "张明";
+  payload["data"]["subType"] = 0;
+  payload["data"]["type"] = 0;
+  payload["data"]["content"] = text;
+  payload["data"]["ts"] = Json::UInt64(std::time(nullptr));
+  imsdk::EngineControl& engine = imsdk::EngineControl::Instance();
+  size_t before = engine.MessageCount(kAnswering, kTIMConv_C2C, kUser);
+  bool sent = host.SendDrawingMsgThroughModule(
+      platform::W(Json::writeString(Json::StreamWriterBuilder(), payload)));
+  sent = sent &&
+         PumpUntil([&] { return engine.MessageCount(kAnswering, kTIMConv_C2C, kUser) > before; },
+                   2000);
+  host.ClearSharedSession();
+  return sent;
+}
+
 }  // namespace
 
 QWidget* FindChatWindow() {
@@ -76,8 +109,8 @@ int StoredMessageCount(const std::string& dbPath) {
   return count;
 }
 
-ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, const World& world,
-                               const std::string& dataRoot) {
+ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHost& host,
+                               const World& world, const std::string& dataRoot) {
   ScriptResult result;
   imsdk::EngineControl& engine = imsdk::EngineControl::Instance();
   const std::string db = DbPath(dataRoot);
@@ -104,13 +137,13 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, const World& world,
   const std::string answer = "好的，我下午看一下。";
   if (SendThroughWindow(answer)) {
     Say("张明 -> 王工 (typed in the composer and sent by the module): %s", answer);
+  } else if (SendInSharedChat(host, answer)) {
+    // The composer sends with later window work; the shared chat on a
+    // drawing already goes through the module's service.
+    Say("张明 -> 王工 (shared chat on the drawing, sent by the module's service): %s", answer);
   } else {
-    // The composer and the service's sending arrive with later window work;
-    // until then the engine sends in the user's name.
-    engine.SendText(kUser, kTIMConv_C2C, kAnswering, answer);
-    Say("张明 -> 王工: %s  (sent by the engine for the user: this build's composer does not send "
-        "yet)",
-        answer);
+    Say("The module did not send the user's message.");
+    return result;
   }
   bool replied = PumpUntil(
       [&] {

@@ -17,8 +17,8 @@ struct ScriptResult {
 };
 
 // Runs with the user signed in and the chat window shown. Prints each step.
-ScriptResult RunHeadlessScript(im_exports::ModuleLibrary& module, const World& world,
-                               const std::string& dataRoot);
+ScriptResult RunHeadlessScript(im_exports::ModuleLibrary& module, host::local::LocalHost& host,
+                               const World& world, const std::string& dataRoot);
 
 // The module's chat window among the application's top-level windows.
 QWidget* FindChatWindow();

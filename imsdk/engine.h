@@ -103,6 +103,7 @@ class Engine final : public Backend {
   Account& SelfLocked() { return world_.accounts.at(signed_in_); }
   // Stores `msg` in the conversation of `owner`; pushes it when signed in.
   void DeliverLocked(const std::string& owner, const ConvKey& key, Message msg, bool from_owner);
+  static std::string ReplyableText(const Json::Value& elem);
   void ScheduleAutoReplyLocked(const std::string& responder, const ConvKey& key,
                                const Message& received);
   // Uploads the files of image and file elements; returns a result code.

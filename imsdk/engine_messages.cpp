@@ -160,6 +160,20 @@ int Engine::SendAsLocked(const std::string& actor, int type, const std::string& 
   return TIM_SUCC;
 }
 
+// What the scripted peer answers to: a text, or the content of a message of
+// the shared chat on a drawing (a custom element whose payload has msgType 2).
+std::string Engine::ReplyableText(const Json::Value& elem) {
+  if (elem["elem_type"].asInt() == kTIMElem_Text) return elem["text_elem_content"].asString();
+  if (elem["elem_type"].asInt() != kTIMElem_Custom) return {};
+  Json::Value payload;
+  if (!ParseJson(elem["custom_elem_data"].asString(), &payload) || !payload.isObject()) return {};
+  const Json::Value kind = payload.get("msgType", Json::Value());
+  const Json::Value data = payload.get("data", Json::Value());
+  if (!kind.isIntegral() || kind.asLargestInt() != 2 || !data.isObject()) return {};
+  const Json::Value content = data.get("content", Json::Value());
+  return content.isString() ? content.asString() : "";
+}
+
 void Engine::ScheduleAutoReplyLocked(const std::string& responder, const ConvKey& key,
                                      const Message& received) {
   Account* account = FindAccountLocked(responder);
@@ -167,9 +181,7 @@ void Engine::ScheduleAutoReplyLocked(const std::string& responder, const ConvKey
   Account* sender = FindAccountLocked(received.sender);
   if (sender == nullptr || sender->auto_reply.enabled) return;  // no endless dialogues
   std::string text;
-  for (const auto& elem : received.elems) {
-    if (elem["elem_type"].asInt() == kTIMElem_Text) text += elem["text_elem_content"].asString();
-  }
+  for (const auto& elem : received.elems) text += ReplyableText(elem);
   if (text.empty()) return;
   Json::Value elems(Json::arrayValue);
   Json::Value elem;

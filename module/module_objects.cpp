@@ -6,6 +6,7 @@
 
 #include <atomic>
 
+#include "host/startup_registration.h"
 #include "imsdk/im_sdk.h"
 #include "platform/trace.h"
 #include "service/chat_tools.h"
@@ -37,6 +38,9 @@ void UnloadOnce() {
   }
   // No SDK callback runs any more; the service stops reaching the window.
   CChatTools::Instance().AttachWindow(nullptr);
+  // The host keeps the two callbacks given at start-up; their code leaves
+  // with this library, so they are withdrawn while it is still mapped.
+  host::RegisterModuleCallbacks({}, {});
   // Widgets can only go while the application object lives. A host that
   // unloads the library after its QApplication is gone leaves them behind.
   if (QApplication::instance() == nullptr && g_window->IsCreated()) return;

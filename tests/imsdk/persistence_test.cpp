@@ -80,5 +80,31 @@ TEST_F(SdkTest, ScriptedPeerAnswersEachText) {
   EXPECT_EQ(reply["message_elem_array"][0]["text_elem_content"].asString(), "收到：你好");
 }
 
+TEST_F(SdkTest, ScriptedPeerAnswersSharedChatContentButNotOtherPayloads) {
+  control.CreateAccount("echo", {"Echo", "", kTIMAddPermission_AllowAny, ""});
+  ASSERT_TRUE(control.SetAutoReply("echo", 0, "收到："));
+  SignIn("alice");
+  auto send_custom = [&](const std::string& payload, const char* tag) {
+    Json::Value msg;
+    msg["message_elem_array"][0]["elem_type"] = 3;
+    msg["message_elem_array"][0]["custom_elem_data"] = payload;
+    ASSERT_EQ(
+        TIMMsgSendNewMsg("echo", 1, Json::writeString(Json::StreamWriterBuilder(), msg).c_str(),
+                         OnResult, Tag(tag)),
+        TIM_SUCC);
+    rec.Result(tag);
+  };
+  // A sync instruction, a payload that is not JSON and one with the wrong
+  // shape get no answer; the shared-chat message does.
+  send_custom(R"({"msgType":3,"data":{"subType":0,"content":"x"}})", "sync");
+  send_custom("not json", "garbage");
+  send_custom(R"({"msgType":"2","data":[1]})", "odd");
+  send_custom(R"({"msgType":2,"data":{"content":"看图"}})", "chat");
+  std::vector<Record> replies = rec.WaitFor("new_msg");
+  ASSERT_EQ(replies.size(), 1u);
+  EXPECT_EQ(Parse(replies[0].json)[0]["message_elem_array"][0]["text_elem_content"].asString(),
+            "收到：看图");
+}
+
 }  // namespace
 }  // namespace imsdk_test

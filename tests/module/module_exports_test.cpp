@@ -248,6 +248,8 @@ TEST_F(ModuleExportsTest, KickedOfflineTellsTheUserAndHidesTheWindowFromTheSdkTh
 // Signed in, so the records layer has parsed on this thread: nothing it made
 // may keep the library mapped.
 TEST_F(ModuleExportsTest, UnloadUninitialisesTheSdkWithoutLogoutAndTakesTheWindowAway) {
+  host::local::LocalHost host(std::string(std::getenv("IM_COMMON_DOCS_DIR")) + "/space");
+  host.Install();
   CallLog log;
   ASSERT_TRUE(SignIn());
   ASSERT_EQ(module_->display(0, 0, &rect_), 1);
@@ -255,6 +257,9 @@ TEST_F(ModuleExportsTest, UnloadUninitialisesTheSdkWithoutLogoutAndTakesTheWindo
   EXPECT_EQ(log.Count("TIMUninit"), 1);
   EXPECT_EQ(log.Count("TIMLogout"), 0);
   EXPECT_EQ(CountChatWindows(), 0);
+  // The host holds no callback into the unloaded code.
+  EXPECT_FALSE(host.SendDrawingMsgThroughModule(u"{}"));
+  host.Uninstall();
 }
 
 }  // namespace
