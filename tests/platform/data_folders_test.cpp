@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
 
 #include "platform/folders.h"
 
@@ -14,47 +13,35 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class MemorySettings : public SettingsStore {
- public:
-  std::optional<WString> ReadString(const WString& key, const WString& name) const override {
-    auto it = values.find(key + u"|" + name);
-    if (it == values.end()) return std::nullopt;
-    return it->second;
-  }
-  bool WriteString(const WString& key, const WString& name, const WString& value) override {
-    if (fail_writes) return false;
-    values[key + u"|" + name] = value;
-    return true;
-  }
-  std::map<WString, WString> values;
-  bool fail_writes = false;
-};
-
 class DataFoldersTest : public testing::Test {
  protected:
   void SetUp() override {
-    docs_ = testing::TempDir() + "/docs-" +
-            testing::UnitTest::GetInstance()->current_test_info()->name();
     fs::remove_all(docs_);
     setenv("IM_COMMON_DOCS_DIR", docs_.c_str(), 1);
   }
-  std::string docs_;
-  MemorySettings settings_;
+  void Store(const WString& value) {
+    ASSERT_TRUE(settings_.WriteString(kSettingsKey, kDownloadPathValue, value));
+  }
+  std::string docs_ =
+      testing::TempDir() + "/docs-" + testing::UnitTest::GetInstance()->current_test_info()->name();
+  FileSettingsStore settings_{docs_ + "/settings"};
   DataFolders folders_{settings_};
 };
 
+// An empty stored download folder counts as none.
 TEST_F(DataFoldersTest, DefaultDownloadFolderIsPerUserAndCreated) {
+  Store(u"");
   folders_.Prepare(u"u1");
-  const WString expected = Utf8ToUtf16(docs_) + u"/Vantorel/u1/cache/recv";
-  EXPECT_EQ(folders_.GetDownloadPath(), expected);
-  EXPECT_TRUE(fs::is_directory(docs_ + "/Vantorel/u1/cache/recv"));
-  EXPECT_TRUE(fs::is_directory(docs_ + "/Vantorel/u1/cache/face"));
-  EXPECT_TRUE(fs::is_directory(docs_ + "/Vantorel/u1/db"));
-  EXPECT_TRUE(fs::is_directory(docs_ + "/Vantorel/log"));
-  EXPECT_TRUE(fs::is_directory(docs_ + "/Vantorel/cfg"));
+  EXPECT_EQ(folders_.GetDownloadPath(), Utf8ToUtf16(docs_) + u"/Vantorel/u1/cache/recv");
+  for (const char* folder : {"u1/cache/recv", "u1/cache/face", "u1/db", "log", "cfg"}) {
+    EXPECT_TRUE(fs::is_directory(docs_ + "/Vantorel/" + folder)) << folder;
+  }
 }
 
 TEST_F(DataFoldersTest, ResourceFoldersHangOffTheModuleFolderAndAreNotCreated) {
+  folders_.Prepare(u"u1");
+  EXPECT_EQ(folders_.GetModulePath(),
+            Utf8ToUtf16(fs::read_symlink("/proc/self/exe").parent_path().string()));
   setenv("IM_MODULE_DIR", (docs_ + "/app").c_str(), 1);
   folders_.Prepare(u"u1");
   unsetenv("IM_MODULE_DIR");
@@ -65,21 +52,9 @@ TEST_F(DataFoldersTest, ResourceFoldersHangOffTheModuleFolderAndAreNotCreated) {
   EXPECT_FALSE(fs::exists(docs_ + "/app"));
 }
 
-TEST_F(DataFoldersTest, ModuleFolderDefaultsToTheExecutablesFolder) {
-  folders_.Prepare(u"u1");
-  EXPECT_EQ(folders_.GetModulePath(),
-            Utf8ToUtf16(fs::read_symlink("/proc/self/exe").parent_path().string()));
-}
-
-TEST_F(DataFoldersTest, EmptyStoredValueIsIgnored) {
-  settings_.values[u"Software\\Ostrel|DownloadPath"] = u"";
-  folders_.Prepare(u"u1");
-  EXPECT_EQ(folders_.GetDownloadPath(), Utf8ToUtf16(docs_) + u"/Vantorel/u1/cache/recv");
-}
-
 TEST_F(DataFoldersTest, StoredValueOverridesAndIsCreated) {
   const std::string chosen = docs_ + "/我的下载";
-  settings_.values[u"Software\\Ostrel|DownloadPath"] = Utf8ToUtf16(chosen);
+  Store(Utf8ToUtf16(chosen));
   folders_.Prepare(u"u1");
   EXPECT_EQ(folders_.GetDownloadPath(), Utf8ToUtf16(chosen));
   EXPECT_TRUE(fs::is_directory(chosen));
@@ -88,36 +63,30 @@ TEST_F(DataFoldersTest, StoredValueOverridesAndIsCreated) {
 }
 
 TEST_F(DataFoldersTest, TwoUsersShareLogAndConfigButNotDatabase) {
-  folders_.Prepare(u"u1");
-  const WString log1 = folders_.GetLogPath(), cfg1 = folders_.GetConfigPath(),
-                db1 = folders_.GetDbPath(), face1 = folders_.GetFacePath();
-  folders_.Prepare(u"u2");
-  EXPECT_EQ(folders_.GetLogPath(), log1);
-  EXPECT_EQ(folders_.GetConfigPath(), cfg1);
-  EXPECT_EQ(log1, Utf8ToUtf16(docs_) + u"/Vantorel/log");
-  EXPECT_EQ(cfg1, Utf8ToUtf16(docs_) + u"/Vantorel/cfg");
-  EXPECT_NE(folders_.GetDbPath(), db1);
-  EXPECT_NE(folders_.GetFacePath(), face1);
-  EXPECT_EQ(folders_.GetDbPath(), Utf8ToUtf16(docs_) + u"/Vantorel/u2/db");
+  const WString root = Utf8ToUtf16(docs_) + u"/Vantorel/";
+  for (const WString user : {u"u1", u"u2"}) {
+    folders_.Prepare(user);
+    EXPECT_EQ(folders_.GetLogPath(), root + u"log");
+    EXPECT_EQ(folders_.GetConfigPath(), root + u"cfg");
+    EXPECT_EQ(folders_.GetDbPath(), root + user + u"/db");
+    EXPECT_EQ(folders_.GetFacePath(), root + user + u"/cache/face");
+  }
 }
 
-TEST_F(DataFoldersTest, ChosenFolderStaysAfterCancelInMemoryAndInStore) {
-  folders_.Prepare(u"u1");
+TEST_F(DataFoldersTest, ChosenFolderStaysInMemoryAndInStore) {
   const WString chosen = Utf8ToUtf16(docs_) + u"/elsewhere";
+  folders_.Prepare(u"u1");
   folders_.SetDownloadPath(chosen);
-  ASSERT_TRUE(folders_.SaveDownloadPath(chosen));
+  // A file where the store's folder belongs: the save fails, this process
+  // keeps the folder all the same.
+  fs::create_directories(docs_ + "/settings");
+  std::ofstream(docs_ + "/settings/Software") << "x";
+  EXPECT_FALSE(folders_.SaveDownloadPath(chosen));
   EXPECT_EQ(folders_.GetDownloadPath(), chosen);
+  fs::remove(docs_ + "/settings/Software");
+  ASSERT_TRUE(folders_.SaveDownloadPath(chosen));
   EXPECT_EQ(settings_.ReadString(kSettingsKey, kDownloadPathValue), chosen);
   folders_.Prepare(u"u1");  // the next sign-in reads it back
-  EXPECT_EQ(folders_.GetDownloadPath(), chosen);
-}
-
-TEST_F(DataFoldersTest, FailedSaveKeepsTheFolderForThisProcess) {
-  folders_.Prepare(u"u1");
-  settings_.fail_writes = true;
-  const WString chosen = Utf8ToUtf16(docs_) + u"/elsewhere";
-  folders_.SetDownloadPath(chosen);
-  EXPECT_FALSE(folders_.SaveDownloadPath(chosen));
   EXPECT_EQ(folders_.GetDownloadPath(), chosen);
 }
 

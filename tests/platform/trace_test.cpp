@@ -43,12 +43,6 @@ TEST(Trace, IsSafeFromManyThreads) {
   EXPECT_EQ(capture.Lines().size(), 800u);
 }
 
-TEST(Trace, WritesNothingWithoutSinkOrFile) {
-  // No capture and IM_TRACE unset in the test environment.
-  EXPECT_FALSE(TraceEnabled());
-  Trace("dropped %d", 1);
-}
-
 TEST(TraceDeathTest, EnvironmentFileGetsOneLinePerCall) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const std::string file = testing::TempDir() + "/im_trace_test.log";

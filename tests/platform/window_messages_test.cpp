@@ -16,34 +16,20 @@ TEST(PostMessage, ReachesTheQueueInOrder) {
   EXPECT_TRUE(IsWindow(window.handle()));
   EXPECT_TRUE(PostMessage(window.handle(), msg::kSdkEvent, 1, 2));
   EXPECT_TRUE(PostMessage(window.handle(), msg::kRecentConversationsChanged, 0, 0));
-  auto all = window.TakeAll();
-  ASSERT_EQ(all.size(), 2u);
-  EXPECT_EQ(all[0].msg, 3024u);
-  EXPECT_EQ(all[0].wParam, 1u);
-  EXPECT_EQ(all[0].lParam, 2);
-  EXPECT_EQ(all[1].msg, 3184u);
+  std::vector<std::tuple<unsigned, WPARAM, LPARAM>> taken;
+  for (const auto& m : window.TakeAll()) taken.emplace_back(m.msg, m.wParam, m.lParam);
+  EXPECT_EQ(taken,
+            (decltype(taken){{msg::kSdkEvent, 1, 2}, {msg::kRecentConversationsChanged, 0, 0}}));
   EXPECT_FALSE(window.Take());
 }
 
-TEST(PostMessage, FailsForNoWindowAndAfterDestroy) {
+TEST(PostMessage, FailsForNoWindowAndAfterDestroyAndHandlesAreNeverReused) {
   EXPECT_FALSE(PostMessage(WindowHandle::kNone, 1, 0, 0));
-  WindowHandle gone;
-  {
-    QueuedWindow window;
-    gone = window.handle();
-  }
+  WindowHandle gone = QueuedWindow().handle();
   EXPECT_FALSE(IsWindow(gone));
   EXPECT_FALSE(PostMessage(gone, msg::kSdkEvent, 0, 0));
-}
-
-TEST(PostMessage, HandlesAreNeverReused) {
-  WindowHandle first;
-  {
-    QueuedWindow a;
-    first = a.handle();
-  }
-  QueuedWindow b;
-  EXPECT_NE(b.handle(), first);
+  QueuedWindow next;
+  EXPECT_NE(next.handle(), gone);
 }
 
 // A poster on another thread races the window's destruction: every post

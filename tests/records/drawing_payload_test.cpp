@@ -91,16 +91,6 @@ TEST(DrawingPayload, HandlerRunsBetweenTheElementsInOrder) {
   EXPECT_EQ(list[0].dropped_custom_count, 2u);
 }
 
-TEST(DrawingPayload, SelfMessagesNeverReachTheHost) {
-  // The self-message parser takes no handler at all; a sync instruction in
-  // an echoed message is only counted.
-  Json::Value msg;
-  ASSERT_TRUE(records::ParseJsonText(MessageArray("g1", {R"({"msgType":3,"data":{}})"}), msg));
-  MessageStru self;
-  EXPECT_TRUE(records::ParseSelfMessage(msg[0], self));
-  EXPECT_EQ(self.dropped_custom_count, 1u);
-}
-
 TEST(DrawingPayload, FaultKeepsWhatWasRead) {
   platform::ScopedTraceCapture trace;
   Json::Value payload;
@@ -112,24 +102,6 @@ TEST(DrawingPayload, FaultKeepsWhatWasRead) {
   const DrawingMsgStru expected{.msgType = 1, .fileId = 3, .fileName = u"x.dwg"};
   EXPECT_TRUE(drawing == expected);
   EXPECT_TRUE(trace.Contains(">>>>>>>>>>>>>>>>>>>>>>>>>DrawingMsgStru"));
-}
-
-TEST(DrawingPayload, ReadsOnlyTheKeysOfItsKind) {
-  Json::Value payload;
-  ASSERT_TRUE(records::ParseJsonText(
-      R"({"msgType":2,"data":{"fileId":3,"fileName":"x","content":"c","fromUserId":"u",
-          "fromUserName":"n","ts":8,"type":1,"subType":1,"instruct":"seven"}})",
-      payload));
-  DrawingMsgStru drawing;
-  EXPECT_TRUE(records::ParseDrawingMsg(payload, drawing));
-  const DrawingMsgStru expected{.msgType = 2,
-                                .type = 1,
-                                .subType = 1,
-                                .fromUserId = u"u",
-                                .content = u"c",
-                                .fromUserName = u"n",
-                                .ts = 8};
-  EXPECT_TRUE(drawing == expected);
 }
 
 }  // namespace

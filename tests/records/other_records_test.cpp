@@ -138,13 +138,10 @@ TEST(ProfileParser, PendencyPage) {
 }
 
 TEST(ProfileParser, FriendAddRequest) {
-  const Json::Value request =
-      records::BuildFriendAddRequest(u"u7", u"七", u"AddSource_Type_PC", u"请加我");
-  EXPECT_EQ(request["friend_add_pendency_identifier"], "u7");
-  EXPECT_EQ(request["friend_add_pendency_nick_name"], "七");
-  EXPECT_EQ(request["friend_add_pendency_add_source"], "AddSource_Type_PC");
-  EXPECT_EQ(request["friend_add_pendency_add_wording"], "请加我");
-  EXPECT_EQ(request.size(), 4u);
+  EXPECT_EQ(records::BuildFriendAddRequest(u"u7", u"七", u"AddSource_Type_PC", u"请加我"),
+            Json(R"({"friend_add_pendency_identifier":"u7","friend_add_pendency_nick_name":"七",
+                     "friend_add_pendency_add_source":"AddSource_Type_PC",
+                     "friend_add_pendency_add_wording":"请加我"})"));
 }
 
 TEST(GroupParser, MembersWithCustomInfo) {

@@ -15,53 +15,40 @@ using store_test::TextElem;
 
 TEST(ChatDbThreads, InsertsOnOneThreadWhileAnotherQueries) {
   CChatDb db;
-  ASSERT_TRUE(db.Open(store_test::NewFolder() + "/Chat.db"));
-  db.CreateSchema();
+  std::string path = store_test::OpenFresh(db);
   constexpr int kMessages = 300;
   std::atomic<bool> done{false};
-
   std::thread sdk([&] {
     for (int i = 1; i <= kMessages; ++i) {
-      if (i % 3 == 0) {
-        db.SaveMessageList(u"me", {MessageWith(u"c", i, i, TextElem(u"batch"))});
-      } else {
-        db.SaveMessage(u"me", MessageWith(u"c", i, i, TextElem(u"single")));
-      }
+      MessageStru message = MessageWith(u"c", i, i, TextElem(u"text"));
+      i % 3 ? db.SaveMessage(u"me", message) : db.SaveMessageList(u"me", {message});
     }
     done = true;
   });
-
   size_t lastSeen = 0;
-  int queries = 0;
   bool ok = true;
-  while (!done || queries == 0) {
+  for (int queries = 0; !done || queries == 0; ++queries) {
     std::vector<MessageStru> read;
     ok = ok && db.QueryCurrentConvMsg(u"c", u"me", kMessages + 10, read);
     // Rows only ever accumulate, and every row read is whole.
     ok = ok && read.size() >= lastSeen;
-    for (const MessageStru& m : read) ok = ok && m.elems.size() == 1 && !m.elems[0].text.empty();
+    for (const MessageStru& m : read) ok = ok && m.elems.size() == 1 && m.elems[0].text == u"text";
     lastSeen = read.size();
-    ++queries;
   }
   sdk.join();
   EXPECT_TRUE(ok);
-
   std::vector<MessageStru> all;
   ASSERT_TRUE(db.QueryCurrentConvMsg(u"c", u"me", kMessages + 10, all));
   EXPECT_EQ(all.size(), static_cast<size_t>(kMessages));
 }
 
 TEST(ChatDbThreads, CloseAndReopenWhileOthersUseTheStore) {
-  std::string path = store_test::NewFolder() + "/Chat.db";
   CChatDb db;
-  ASSERT_TRUE(db.Open(path));
-  db.CreateSchema();
+  std::string path = store_test::OpenFresh(db);
   std::atomic<bool> stop{false};
   std::thread user([&] {
-    uint64_t id = 1;
-    while (!stop) {
+    for (uint64_t id = 1; !stop; ++id) {
       db.SaveMessageList(u"me", {MessageWith(u"c", id, id, TextElem(u"x"))});
-      ++id;
       std::vector<MessageStru> read;
       db.QueryCurrentConvMsg(u"c", u"me", 5, read);
     }
