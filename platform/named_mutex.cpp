@@ -50,13 +50,17 @@ std::string HexName(const std::u16string& units) {
   return hex;
 }
 
+std::string LockFileFor(const std::u16string& object_name) {
+  return LockFolder() + "/" + HexName(object_name);
+}
+
 std::shared_ptr<NamedMutex::Core> CoreFor(const std::u16string& object_name) {
   static std::mutex cores_mutex;
   static auto* cores = new std::map<std::u16string, std::weak_ptr<NamedMutex::Core>>;
   std::lock_guard lock(cores_mutex);
   if (auto existing = (*cores)[object_name].lock()) return existing;
   auto core = std::make_shared<NamedMutex::Core>();
-  std::string path = LockFolder() + "/" + HexName(object_name);
+  const std::string path = LockFileFor(object_name);
   core->fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   if (core->fd < 0) Trace("NamedMutex: cannot open %s, mutex is process-local", path.c_str());
   (*cores)[object_name] = core;
@@ -73,6 +77,10 @@ std::u16string NamedMutex::ObjectNameOf(std::string_view name) {
     units.push_back(static_cast<char16_t>(lo | (hi << 8)));
   }
   return units;
+}
+
+std::string NamedMutex::LockFileOf(std::string_view name) {
+  return LockFileFor(ObjectNameOf(name));
 }
 
 std::unique_ptr<NamedMutex> NamedMutex::Create(std::string_view name) {

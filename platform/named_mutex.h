@@ -38,6 +38,8 @@ class NamedMutex {
 
   // The object name derived from an 8-bit name (see above).
   static std::u16string ObjectNameOf(std::string_view name);
+  // The lock file that stands for the object (shared with other processes).
+  static std::string LockFileOf(std::string_view name);
 
   struct Core;
 

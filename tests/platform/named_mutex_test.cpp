@@ -64,14 +64,7 @@ TEST(NamedMutex, IsSharedWithOtherProcesses) {
   pid_t child = fork();
   if (child == 0) {
     // A second process opening the same name must find it taken.
-    auto theirs = NamedMutex::Create("test-cross-process");
-    std::string folder = std::string(std::getenv("XDG_RUNTIME_DIR")) + "/im-named-mutex/";
-    char hex[5];
-    for (char16_t u : theirs->ObjectName()) {
-      std::snprintf(hex, sizeof hex, "%04x", unsigned(u));
-      folder += hex;
-    }
-    int fd = open(folder.c_str(), O_RDWR);
+    int fd = open(NamedMutex::LockFileOf("test-cross-process").c_str(), O_RDWR);
     _exit(fd >= 0 && flock(fd, LOCK_EX | LOCK_NB) != 0 ? 0 : 1);
   }
   int status = 0;
