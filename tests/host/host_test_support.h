@@ -1,8 +1,10 @@
 #pragma once
-// Shared pieces of the host tests: a prompt that records what the user would
-// have seen, and a fixture with a local host installed and a user signed in.
+// A prompt that records what the user would have seen ("title: text", a
+// question marked "? "), and a fixture with a local host installed.
 
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -16,33 +18,20 @@
 
 namespace host::testing {
 
-struct ShownPrompt {
-  bool question = false;
-  std::string title;  // UTF-8, for readable failures
-  std::string text;
-};
+using Strings = std::vector<std::string>;
 
 class RecordingPrompt : public UserPrompt {
  public:
   void ShowMessage(const WString& title, const WString& text) override {
-    shown.push_back({false, platform::Utf16ToUtf8(title), platform::Utf16ToUtf8(text)});
+    shown.push_back(platform::Utf16ToUtf8(title + u": " + text));
   }
   bool Confirm(const WString& title, const WString& text) override {
-    shown.push_back({true, platform::Utf16ToUtf8(title), platform::Utf16ToUtf8(text)});
+    shown.push_back(platform::Utf16ToUtf8(u"? " + title + u": " + text));
     return answer;
   }
   bool answer = true;
-  std::vector<ShownPrompt> shown;
+  Strings shown;
 };
-
-inline std::filesystem::path ScratchFolder(const std::string& name) {
-  const char* base = std::getenv("IM_COMMON_DOCS_DIR");
-  std::filesystem::path folder =
-      std::filesystem::path(base != nullptr ? base : "/tmp") / "host-tests" / name;
-  std::filesystem::remove_all(folder);
-  std::filesystem::create_directories(folder);
-  return folder;
-}
 
 // Accounts 1 (the user, "Ann"), 2 ("Bob", a friend), 3 ("Cai"), 4 ("Dee", no
 // chat identity yet); group "group_1001" owned by 1 with 2 and 3 in it.
@@ -50,7 +39,7 @@ class LocalHostTest : public ::testing::Test {
  protected:
   static constexpr int32_t kSelf = 1;
 
-  LocalHostTest() : space_(ScratchFolder(NameOfTest())), host_((space_ / "space").string()) {
+  LocalHostTest() : space_(ScratchFolder()), host_((space_ / "space").string()) {
     host_.AddAccount({1, u"ann@example.com", u"13800000001", u"Ann", u"", true});
     host_.AddAccount({2, u"bob@example.com", u"13800000002", u"Bob", u"", true});
     host_.AddAccount({3, u"cai@example.com", u"13800000003", u"Cai", u"", true});
@@ -60,14 +49,14 @@ class LocalHostTest : public ::testing::Test {
     host_.SignIn(kSelf);
     host_.Install();
   }
-
-  static std::string NameOfTest() {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    std::string name = std::string(info->test_suite_name()) + "." + info->name();
-    for (char& c : name) {
-      if (c == '/') c = '_';
-    }
-    return name;
+  static std::filesystem::path ScratchFolder() {
+    static int next = 0;
+    const char* base = std::getenv("IM_COMMON_DOCS_DIR");
+    const auto folder = std::filesystem::path(base ? base : "/tmp") / "host" /
+                        (std::to_string(getpid()) + "-" + std::to_string(++next));
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    return folder;
   }
 
   std::filesystem::path space_;

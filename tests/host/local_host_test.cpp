@@ -1,5 +1,4 @@
-// The local host's own behaviour: the decisions it makes where the host's
-// meaning is its own, and its mirror of the chat engine's groups.
+// The local host's own decisions and its mirror of the chat engine's groups.
 
 #include <fstream>
 
@@ -7,27 +6,6 @@
 
 namespace host::testing {
 namespace {
-
-// Stands in for the chat engine: it reports its group changes to whatever
-// mirror it was given, as the engine's group hook will.
-class FakeEngine {
- public:
-  explicit FakeEngine(local::GroupMirror& mirror) : mirror_(mirror) {}
-  void Create(const WString& id, const WString& name, const WString& owner,
-              std::vector<WString> members) {
-    mirror_.OnGroupCreated(id, name, owner, members);
-  }
-  void Join(const WString& id, std::vector<WString> members) {
-    mirror_.OnMembersJoined(id, members);
-  }
-  void Quit(const WString& id, std::vector<WString> members) { mirror_.OnMembersLeft(id, members); }
-  void Rename(const WString& id, const WString& name) { mirror_.OnGroupRenamed(id, name); }
-  void NewOwner(const WString& id, const WString& owner) { mirror_.OnOwnerChanged(id, owner); }
-  void Dismiss(const WString& id) { mirror_.OnGroupDismissed(id); }
-
- private:
-  local::GroupMirror& mirror_;
-};
 
 class LocalHostBehaviour : public LocalHostTest {
  protected:
@@ -41,15 +19,16 @@ class LocalHostBehaviour : public LocalHostTest {
   }
 };
 
+// The chat engine's group hook reports to the host's mirror.
 TEST_F(LocalHostBehaviour, MirrorsTheEnginesGroupsIdempotently) {
-  FakeEngine engine(host_);
-  engine.Create(u"g2", u"Chat", u"2", {u"2", u"3", u"not-a-number"});
-  engine.Create(u"g2", u"Chat", u"2", {u"2", u"3"});  // reported twice
+  local::GroupMirror& engine = host_;
+  engine.OnGroupCreated(u"g2", u"Chat", u"2", {u"2", u"3", u"not-a-number"});
+  engine.OnGroupCreated(u"g2", u"Chat", u"2", {u"2", u"3"});  // reported twice
   EXPECT_EQ(Roles(u"g2"), (std::vector<std::pair<int32_t, int32_t>>{{2, 1}, {3, 0}}));
-  engine.Join(u"g2", {u"1", u"1", u"4"});
-  engine.Quit(u"g2", {u"3"});
-  engine.NewOwner(u"g2", u"1");
-  engine.Rename(u"g2", u"Renamed");
+  engine.OnMembersJoined(u"g2", {u"1", u"1", u"4"});
+  engine.OnMembersLeft(u"g2", {u"3"});
+  engine.OnOwnerChanged(u"g2", u"1");
+  engine.OnGroupRenamed(u"g2", u"Renamed");
   const GroupDetail group = *host_.FindGroup(u"g2");
   EXPECT_EQ(group.name, u"Renamed");
   EXPECT_EQ(group.ownerImUserId, u"1");
@@ -57,13 +36,13 @@ TEST_F(LocalHostBehaviour, MirrorsTheEnginesGroupsIdempotently) {
   int32_t role = -1;
   EXPECT_TRUE(cloud().GetGroupRole(group.cloudGroupId, role));
   EXPECT_EQ(role, 1);
-  engine.Join(u"unknown", {u"1"});  // changes to groups never created are dropped
-  engine.Dismiss(u"g2");
+  engine.OnMembersJoined(u"unknown", {u"1"});  // changes to groups never created are dropped
+  engine.OnGroupDismissed(u"g2");
   EXPECT_FALSE(host_.FindGroup(u"g2"));
   EXPECT_FALSE(host_.FindGroup(u"unknown"));
 }
 
-TEST_F(LocalHostBehaviour, CreatedGroupsAreJoinedAndOwned) {
+TEST_F(LocalHostBehaviour, CreatedGroupsAreJoinedAndASignedOutHostAnswersFailure) {
   CloudGroupInfo created;
   EXPECT_FALSE(cloud().CreateCloudGroup(u"Private", u"X", {}, created));
   ASSERT_TRUE(cloud().CreateCloudGroup(u"Public", u"New", {{2, u"2", u"Bob", u"", 0}}, created));
@@ -74,6 +53,15 @@ TEST_F(LocalHostBehaviour, CreatedGroupsAreJoinedAndOwned) {
   host_.SignIn(4);
   ASSERT_TRUE(cloud().GetJoinedGroups(joined));
   EXPECT_TRUE(joined.empty());
+  host_.SignOut();
+  AccountInfo info;
+  GroupDetail detail;
+  EXPECT_FALSE(cloud().IsHostLoggedIn());
+  EXPECT_FALSE(cloud().SearchAccount(u"bob@example.com", 2, info));
+  EXPECT_FALSE(cloud().GetGroupMembers(u"group_1001", detail));
+  EXPECT_FALSE(cloud().GetJoinedGroups(joined));
+  EXPECT_EQ(info.accountId, -1);
+  EXPECT_EQ(detail.cloudGroupId, -1);
 }
 
 TEST_F(LocalHostBehaviour, DrawingSpaceStoresQueriesAndOpens) {
@@ -83,26 +71,20 @@ TEST_F(LocalHostBehaviour, DrawingSpaceStoresQueriesAndOpens) {
   ASSERT_TRUE(cloud().UploadSpaceFile(0, platform::Utf8ToUtf16(source.string()).c_str(),
                                       u"description", 0, ref, 0, 1001, 0));
   EXPECT_EQ(ref, u"1001/1");
-
   WString found;
   EXPECT_TRUE(cloud().QuerySpaceFile(1001, found, nullptr, 0, 1));
   EXPECT_EQ(found, ref);
   EXPECT_FALSE(cloud().QuerySpaceFile(1001, found, nullptr, 3, 1));  // other folder
-  WString name;
+  WString name = u"plan.dwg";
   WString byName;
-  EXPECT_TRUE(cloud().QuerySpaceFileByName(1001, name, byName, 0, 1));
-  EXPECT_EQ(name, u"plan.dwg");
-  name = u"plan.dwg";
   EXPECT_TRUE(cloud().QuerySpaceFileByName(1001, name, byName, 0, 99));
   EXPECT_EQ(byName, ref);
-
   int32_t error = 0;
   EXPECT_TRUE(cloud().OpenCloudDrawing(ref.c_str(), error));
   std::filesystem::remove(space_ / "space" / "1001" / "0" / "plan.dwg");
   EXPECT_FALSE(cloud().OpenCloudDrawing(ref.c_str(), error));
   EXPECT_EQ(error, 406);
   EXPECT_EQ(host_.OpenedCloudDrawings(), std::vector<WString>{ref});
-
   host_.SignIn(4);  // not in the group
   EXPECT_FALSE(cloud().UploadSpaceFile(0, platform::Utf8ToUtf16(source.string()).c_str(),
                                        u"description", 0, ref, 0, 1001, 0));
@@ -133,39 +115,10 @@ TEST_F(LocalHostBehaviour, SharedSessionsOfOthersAndOfTheUser) {
   EXPECT_EQ(state.drawingId, 5);
   app().EndSharedSession();
   EXPECT_FALSE(app().IsInSharedSession());
-}
-
-TEST_F(LocalHostBehaviour, PicturesShareTreeAndFriends) {
-  const auto picture = space_ / "face.png";
-  std::ofstream(picture) << "png";
-  const auto target = space_ / "faces" / "copy.png";
-  EXPECT_TRUE(cloud().DownloadPicture(platform::Utf8ToUtf16(picture.string()).c_str(),
-                                      platform::Utf8ToUtf16(target.string()).c_str()));
-  EXPECT_TRUE(std::filesystem::exists(target));
-  EXPECT_FALSE(cloud().DownloadPicture(u"/nonexistent/face.png",
-                                       platform::Utf8ToUtf16(target.string()).c_str()));
-
   ShareTreeSelection selection{1001, {u"1001/1"}};
   cloud().ReleaseShareTree(&selection);
   EXPECT_TRUE(selection.drawingRefs.empty());
   cloud().ReleaseShareTree(nullptr);
-
-  EXPECT_EQ(host_.FindAccount(2)->relation, 3);
-  cloud().RemoveCloudFriend(2);
-  EXPECT_EQ(host_.FindAccount(2)->relation, 1);
-}
-
-TEST_F(LocalHostBehaviour, SignedOutHostAnswersFailure) {
-  host_.SignOut();
-  AccountInfo info;
-  GroupDetail detail;
-  CloudGroupList groups;
-  EXPECT_FALSE(cloud().IsHostLoggedIn());
-  EXPECT_FALSE(cloud().SearchAccount(u"bob@example.com", 2, info));
-  EXPECT_FALSE(cloud().GetGroupMembers(u"group_1001", detail));
-  EXPECT_FALSE(cloud().GetJoinedGroups(groups));
-  EXPECT_EQ(info.accountId, -1);
-  EXPECT_EQ(detail.cloudGroupId, -1);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "tests/imsdk/sdk_fixture.h"
 
 #include <chrono>
-#include <deque>
+#include <set>
 
 namespace imsdk_test {
 
@@ -11,33 +11,28 @@ void Recorder::Add(Record record) {
   changed_.notify_all();
 }
 
-std::vector<Record> Recorder::WaitFor(const std::string& name, size_t count) {
+std::vector<Record> Recorder::Matching(const std::function<bool(const Record&)>& match,
+                                       size_t count) {
   std::unique_lock lock(mutex_);
   std::vector<Record> found;
   changed_.wait_for(lock, std::chrono::seconds(5), [&] {
     found.clear();
     for (const auto& r : records_) {
-      if (r.name == name) found.push_back(r);
+      if (match(r)) found.push_back(r);
     }
     return found.size() >= count;
   });
   return found;
 }
 
+std::vector<Record> Recorder::WaitFor(const std::string& name, size_t count) {
+  return Matching([&](const Record& r) { return r.name == name; }, count);
+}
+
 Record Recorder::Result(const std::string& tag) {
-  std::unique_lock lock(mutex_);
-  Record found;
-  bool ok = changed_.wait_for(lock, std::chrono::seconds(5), [&] {
-    for (const auto& r : records_) {
-      if (r.name == "result" && r.tag == tag) {
-        found = r;
-        return true;
-      }
-    }
-    return false;
-  });
-  EXPECT_TRUE(ok) << "no result for " << tag;
-  return found;
+  auto found = Matching([&](const Record& r) { return r.name == "result" && r.tag == tag; }, 1);
+  EXPECT_FALSE(found.empty()) << "no result for " << tag;
+  return found.empty() ? Record{} : found[0];
 }
 
 std::vector<Record> Recorder::All() const {
@@ -64,13 +59,9 @@ Recorder& GetRecorder() {
 
 void* Tag(const std::string& tag) {
   static std::mutex mutex;
-  static std::deque<std::string> tags;
+  static std::set<std::string> tags;  // nodes stay put: the pointers stay valid
   std::lock_guard lock(mutex);
-  for (auto& t : tags) {
-    if (t == tag) return t.data();
-  }
-  tags.push_back(tag);
-  return tags.back().data();
+  return const_cast<char*>(tags.insert(tag).first->c_str());
 }
 
 void OnResult(int32_t code, const char*, const char* json, void* user_data) {

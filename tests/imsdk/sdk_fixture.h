@@ -5,6 +5,7 @@
 #include <json/json.h>
 
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -35,6 +36,7 @@ class Recorder {
   void Clear();
 
  private:
+  std::vector<Record> Matching(const std::function<bool(const Record&)>& match, size_t count);
   mutable std::mutex mutex_;
   std::condition_variable changed_;
   std::vector<Record> records_;

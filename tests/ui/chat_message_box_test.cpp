@@ -27,8 +27,7 @@ struct Seen {
   bool watchdogFired = false;
 };
 
-// Acts on the box once its modal loop runs; a watchdog ends a box that the
-// test failed to close, so a fault fails the test instead of hanging it.
+// Acts on the box once its modal loop runs; a watchdog ends a box left open.
 Seen WithBox(const std::function<void(QWidget*)>& act, const std::function<void()>& show) {
   Seen seen;
   std::function<void()> poll = [&] {
@@ -67,31 +66,20 @@ std::function<void(QWidget*)> Click(const char* name) {
   };
 }
 
-TEST(CChatMessageBox, QuestionShowsBothButtonsAndTheTexts) {
-  Seen seen = WithBox(Click("ChatMessagebox_ConfirmBtn"), [] {
-    CChatMessageBox box(W("删除好友"),
-                        W("将联系人 张三 删除，将同时删除与该联系人的聊天记录及图纸文件。"),
-                        nullptr, 1);
-  });
-  ASSERT_TRUE(seen.shown);
-  EXPECT_FALSE(seen.watchdogFired);
-  EXPECT_EQ(seen.title, QString::fromUtf8("删除好友"));
-  EXPECT_EQ(seen.message,
-            QString::fromUtf8("将联系人 张三 删除，将同时删除与该联系人的聊天记录及图纸文件。"));
-  EXPECT_EQ(seen.windowTitle, QStringLiteral("CChatMessageBox"));
-  EXPECT_TRUE(seen.confirmVisible);
-  EXPECT_TRUE(seen.cancelVisible);
-  EXPECT_TRUE(CChatMessageBox::Confirmed());
-}
-
-TEST(CChatMessageBox, NoticeHasNoCancelButton) {
-  Seen seen = WithBox(Click("ChatMessagebox_ConfirmBtn"), [] {
-    CChatMessageBox box(W("错误"), W("图纸不存在或已被删除!"), nullptr, 0);
-  });
-  ASSERT_TRUE(seen.shown);
-  EXPECT_TRUE(seen.confirmVisible);
-  EXPECT_FALSE(seen.cancelVisible);
-  EXPECT_TRUE(CChatMessageBox::Confirmed());
+TEST(CChatMessageBox, QuestionShowsBothButtonsANoticeOnlyConfirmAndTheTexts) {
+  const char* text = "将联系人 张三 删除，将同时删除与该联系人的聊天记录及图纸文件。";
+  for (int mode : {1, 0}) {
+    Seen seen = WithBox(Click("ChatMessagebox_ConfirmBtn"),
+                        [&] { CChatMessageBox box(W("删除好友"), W(text), nullptr, mode); });
+    ASSERT_TRUE(seen.shown);
+    EXPECT_FALSE(seen.watchdogFired);
+    EXPECT_EQ(seen.title, QString::fromUtf8("删除好友"));
+    EXPECT_EQ(seen.message, QString::fromUtf8(text));
+    EXPECT_EQ(seen.windowTitle, QStringLiteral("CChatMessageBox"));
+    EXPECT_TRUE(seen.confirmVisible);
+    EXPECT_EQ(seen.cancelVisible, mode == 1);
+    EXPECT_TRUE(CChatMessageBox::Confirmed());
+  }
 }
 
 TEST(CChatMessageBox, OnlyTheConfirmButtonConfirms) {

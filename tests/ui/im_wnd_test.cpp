@@ -1,6 +1,5 @@
-// The main window's frame: creation, closing, layouts, the network page, the
-// ChatRecord height, the scroll timers, the custom messages it receives and
-// the window port from other threads.
+// The main window's frame, the custom messages it receives and the window
+// port from other threads.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -51,12 +50,9 @@ class ImWndTest : public ::testing::Test {
   ui::ChatWindowPort port_{window_};
 };
 
-TEST_F(ImWndTest, ConstructionCreatesTheModuleMutexesAndStartsWithNoConversation) {
+TEST_F(ImWndTest, StartsHiddenOnTheConversationsPageAndTheEmptyChatPage) {
   EXPECT_EQ(service::ModuleMutexes().size(), 20u);
   EXPECT_EQ(service::CurrentConvId(), u"error");
-}
-
-TEST_F(ImWndTest, StartsHiddenOnTheConversationsPageAndTheEmptyChatPage) {
   EXPECT_FALSE(window_.IsWindowVisible());
   EXPECT_FALSE(window_.CreateChatWindow());
   EXPECT_EQ(TabPage(), CIMWnd::kConversationsPage);
@@ -103,13 +99,9 @@ TEST_F(ImWndTest, HideChatWindowWithoutASharedSessionChangesNothing) {
 }
 
 TEST_F(ImWndTest, ChatRecordHeightFormulaTruncatesTowardZero) {
-  struct Case {
-    int windowHeight;
-    int expected;
-  };
-  for (Case c : {Case{142, 0}, Case{141, 0}, Case{140, -1}, Case{100, -30}, Case{680, 384},
-                 Case{143, 0}, Case{144, 1}}) {
-    EXPECT_EQ(CIMWnd::ChatRecordHeight(c.windowHeight), c.expected) << c.windowHeight;
+  for (auto [height, expected] :
+       {std::pair{142, 0}, {141, 0}, {140, -1}, {100, -30}, {680, 384}, {143, 0}, {144, 1}}) {
+    EXPECT_EQ(CIMWnd::ChatRecordHeight(height), expected) << height;
   }
 }
 

@@ -11,20 +11,34 @@ namespace {
 
 constexpr unsigned kPayloadMsg = 3024;
 
+// Frees int payloads of kPayloadMsg, counting them.
+void FreePayloads(RecordingWindow& w, int& freed) {
+  w.onMessage = [&freed](unsigned msg, WPARAM wParam, LPARAM) -> LRESULT {
+    if (msg != kPayloadMsg) return 0;
+    delete reinterpret_cast<int*>(wParam);
+    return ++freed;
+  };
+}
+
+bool PostPayload(platform::WindowHandle handle) {
+  auto* payload = new int(42);
+  if (platform::PostMessage(handle, kPayloadMsg, reinterpret_cast<WPARAM>(payload), 0)) return true;
+  delete payload;  // a refused post leaves the payload with the sender
+  return false;
+}
+
 TEST(WindowPosting, MessagesFromAWorkerArriveInOrderOnTheWindowThread) {
   RecordingWindow w("KitTest.xml");
   ASSERT_TRUE(w.Create(nullptr, platform::W("x")));
-  std::thread::id uiThread = std::this_thread::get_id();
+  const std::thread::id uiThread = std::this_thread::get_id();
   bool allOnUiThread = true;
   w.onMessage = [&](unsigned, WPARAM, LPARAM) -> LRESULT {
     allOnUiThread = allOnUiThread && std::this_thread::get_id() == uiThread;
     return 0;
   };
-  platform::WindowHandle handle = w.GetHWND();
-  std::thread worker([handle] {
-    for (unsigned i = 0; i < 200; ++i) platform::PostMessage(handle, 3184, i, -static_cast<int>(i));
-  });
-  worker.join();
+  std::thread([h = w.GetHWND()] {
+    for (unsigned i = 0; i < 200; ++i) platform::PostMessage(h, 3184, i, -static_cast<int>(i));
+  }).join();
   ASSERT_TRUE(PumpUntil([&] { return w.messages.size() >= 200; }));
   EXPECT_TRUE(allOnUiThread);
   for (unsigned i = 0; i < 200; ++i) {
@@ -37,33 +51,14 @@ TEST(WindowPosting, MessagesFromAWorkerArriveInOrderOnTheWindowThread) {
 TEST(WindowPosting, MessagesAcceptedBeforeDestructionAreStillHandled) {
   RecordingWindow w("KitTest.xml");
   ASSERT_TRUE(w.Create(nullptr, platform::W("x")));
-  size_t freedAtFinal = 0;
   int freed = 0;
-  w.onMessage = [&](unsigned msg, WPARAM wParam, LPARAM) -> LRESULT {
-    if (msg == kPayloadMsg) {
-      delete reinterpret_cast<int*>(wParam);
-      ++freed;
-      return 1;
-    }
-    return 0;
-  };
-  for (int i = 0; i < 5; ++i) {
-    ASSERT_TRUE(
-        platform::PostMessage(w.GetHWND(), kPayloadMsg, reinterpret_cast<WPARAM>(new int(i)), 0));
-  }
-  // The close arrives after the five; two more follow it in the same queue.
-  w.Close(1);
-  for (int i = 0; i < 2; ++i) {
-    ASSERT_TRUE(
-        platform::PostMessage(w.GetHWND(), kPayloadMsg, reinterpret_cast<WPARAM>(new int(i)), 0));
-  }
+  FreePayloads(w, freed);
+  for (int i = 0; i < 5; ++i) ASSERT_TRUE(PostPayload(w.GetHWND()));
+  w.Close(1);  // queued after the five; two more follow it
+  for (int i = 0; i < 2; ++i) ASSERT_TRUE(PostPayload(w.GetHWND()));
   ASSERT_TRUE(PumpUntil([&] { return w.finalMessages == 1; }));
-  freedAtFinal = static_cast<size_t>(freed);
-  EXPECT_EQ(freedAtFinal, 7u);
-  int* refused = new int(9);
-  EXPECT_FALSE(
-      platform::PostMessage(w.GetHWND(), kPayloadMsg, reinterpret_cast<WPARAM>(refused), 0));
-  delete refused;  // a refused post leaves the payload with the sender
+  EXPECT_EQ(freed, 7);
+  EXPECT_FALSE(PostPayload(w.GetHWND()));
 }
 
 // Workers post heap payloads while windows come and go. Every payload must be
@@ -78,13 +73,7 @@ TEST(WindowPosting, WorkersRacingWindowDestructionLoseNothing) {
 
   auto work = [&] {
     while (!stop) {
-      auto* payload = new int(42);
-      if (platform::PostMessage(target.load(), kPayloadMsg, reinterpret_cast<WPARAM>(payload), 0)) {
-        ++accepted;
-      } else {
-        delete payload;
-        ++refused;
-      }
+      ++(PostPayload(target.load()) ? accepted : refused);
       std::this_thread::sleep_for(std::chrono::microseconds(50));
     }
   };
@@ -92,14 +81,7 @@ TEST(WindowPosting, WorkersRacingWindowDestructionLoseNothing) {
   for (int round = 0; round < 20; ++round) {
     auto w = std::make_unique<RecordingWindow>("KitItem.xml");
     ASSERT_TRUE(w->Create(nullptr, platform::W("x")));
-    w->onMessage = [&](unsigned msg, WPARAM wParam, LPARAM) -> LRESULT {
-      if (msg == kPayloadMsg) {
-        delete reinterpret_cast<int*>(wParam);
-        ++freedByWindows;
-        return 1;
-      }
-      return 0;
-    };
+    FreePayloads(*w, freedByWindows);
     target = w->GetHWND();
     PumpUntil([] { return false; }, 5);
     if (round % 2 == 0) {

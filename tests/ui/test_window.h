@@ -14,7 +14,6 @@ namespace ui::test {
 
 class RecordingWindow : public WindowImplBase {
  public:
-  // Skins of the kit tests live beside them; the product's skins in DuiLibRes.
   explicit RecordingWindow(std::string skin, std::string folder = "tests\\ui\\skins\\")
       : skin_(std::move(skin)), folder_(std::move(folder)) {}
 
@@ -48,14 +47,8 @@ class RecordingWindow : public WindowImplBase {
   LRESULT HandleCustomMessage(unsigned uMsg, WPARAM wParam, LPARAM lParam,
                               bool& bHandled) override {
     messages.push_back({uMsg, wParam, lParam});
-    // A non-zero result from onMessage handles the message; zero passes it on.
-    if (onMessage) {
-      LRESULT result = onMessage(uMsg, wParam, lParam);
-      if (result != 0) {
-        bHandled = true;
-        return result;
-      }
-    }
+    LRESULT result = onMessage ? onMessage(uMsg, wParam, lParam) : 0;  // non-zero: handled
+    if (result != 0) return bHandled = true, result;
     return WindowImplBase::HandleCustomMessage(uMsg, wParam, lParam, bHandled);
   }
   LRESULT OnClose(unsigned, WPARAM, LPARAM, bool& bHandled) override {
@@ -72,7 +65,6 @@ class RecordingWindow : public WindowImplBase {
   std::string folder_;
 };
 
-// Runs the event loop until `done` holds or the time is up.
 inline bool PumpUntil(const std::function<bool()>& done, int milliseconds = 5000) {
   QDeadlineTimer deadline(milliseconds);
   while (!done()) {
