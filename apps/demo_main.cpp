@@ -24,6 +24,7 @@
 #include "apps/demo_script.h"
 #include "apps/demo_world.h"
 #include "apps/host_frame.h"
+#include "host/local/engine_group_link.h"
 #include "host/local/local_host.h"
 #include "imsdk/engine_control.h"
 #include "module/module_library.h"
@@ -104,6 +105,8 @@ int main(int argc, char** argv) {
 
   host::local::LocalHost host(dataRoot + "/demo-cloud-space");
   host.Install();
+  // The host's cloud groups follow the engine's groups from here on.
+  host::local::EngineGroupLink groupLink(host);
   demo::World world = demo::SeedWorld(host);
 
   demo::HostFrame frame;
