@@ -1,5 +1,6 @@
 // The group-change hook: what it reports, on which thread, and that it can
 // call back into the engine.
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -193,11 +194,15 @@ TEST_F(GroupObserverTest, TipsCallbackRunsAfterTheObserverHasSeenTheChange) {
   static std::atomic<size_t> seen_at_tips{0};
   static RecordingObserver* watched = nullptr;
   watched = &observer;
-  TIMSetGroupTipsEventCallback([](const char*, void*) { seen_at_tips = watched->Count(); },
-                               nullptr);
+  TIMSetGroupTipsEventCallback(
+      [](const char* json, void*) {
+        seen_at_tips = watched->Count();
+        GetRecorder().Add({"group_tips", 0, json, "", std::this_thread::get_id()});
+      },
+      nullptr);
   std::thread other([&] { control.CreateGroup("bob", "T", {"alice"}, "g3"); });
   other.join();
-  ASSERT_TRUE(rec.WaitFor("new_msg").size() == 1);
+  ASSERT_EQ(rec.WaitFor("group_tips").size(), 1u);
   EXPECT_EQ(seen_at_tips.load(), 1u);
 }
 
