@@ -29,6 +29,7 @@
 #include "imsdk/engine_control.h"
 #include "module/module_library.h"
 #include "platform/folders.h"
+#include "platform/strings.h"
 
 namespace {
 
@@ -108,6 +109,10 @@ int main(int argc, char** argv) {
   // The host's cloud groups follow the engine's groups from here on.
   host::local::EngineGroupLink groupLink(host);
   demo::World world = demo::SeedWorld(host);
+  if (!host.FindGroup(platform::Utf8ToUtf16(world.groupId))) {
+    std::fprintf(stderr, "demo: the host did not learn of the group %s\n", world.groupId.c_str());
+    return 1;
+  }
 
   demo::HostFrame frame;
   frame.show();
