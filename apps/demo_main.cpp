@@ -24,10 +24,12 @@
 #include "apps/demo_script.h"
 #include "apps/demo_world.h"
 #include "apps/host_frame.h"
+#include "host/local/engine_group_link.h"
 #include "host/local/local_host.h"
 #include "imsdk/engine_control.h"
 #include "module/module_library.h"
 #include "platform/folders.h"
+#include "platform/strings.h"
 
 namespace {
 
@@ -104,7 +106,13 @@ int main(int argc, char** argv) {
 
   host::local::LocalHost host(dataRoot + "/demo-cloud-space");
   host.Install();
+  // The host's cloud groups follow the engine's groups from here on.
+  host::local::EngineGroupLink groupLink(host);
   demo::World world = demo::SeedWorld(host);
+  if (!host.FindGroup(platform::Utf8ToUtf16(world.groupId))) {
+    std::fprintf(stderr, "demo: the host did not learn of the group %s\n", world.groupId.c_str());
+    return 1;
+  }
 
   demo::HostFrame frame;
   frame.show();

@@ -41,8 +41,6 @@ World SeedWorld(host::local::LocalHost& host) {
   World world;
   const std::string groupName = "图纸评审组";
   world.groupId = engine.CreateGroup(kAnswering, groupName, {kUser, kQuiet});
-  host.OnGroupCreated(Wide(world.groupId), Wide(groupName), Wide(kAnswering),
-                      {Wide(kAnswering), Wide(kUser), Wide(kQuiet)});
   engine.SendText(kAnswering, kTIMConv_Group, world.groupId, "大家好，今天评审一层平面图。");
   engine.SendText(kQuiet, kTIMConv_Group, world.groupId, "收到，我把标注改好了。");
 

@@ -20,7 +20,8 @@ struct World {
 };
 
 // Accounts, friendships, the group with its first messages and the pending
-// friend request, in the engine and (accounts, group) in the local host.
+// friend request, in the engine and (accounts) in the local host. The group
+// reaches the local host through an EngineGroupLink, which the caller keeps.
 World SeedWorld(host::local::LocalHost& host);
 
 }  // namespace demo

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "imsdk/backend.h"
+#include "imsdk/group_change_notifier.h"
 #include "imsdk/world_model.h"
 
 namespace imsdk {
@@ -47,6 +48,12 @@ class Engine final : public Backend {
   int RemoveMembers(const Json::Value& param, ResultFn done) override;
   int ModifyGroup(const Json::Value& param, ResultFn done) override;
   int GetMembers(const Json::Value& param, ResultFn done) override;
+
+  // Group changes go to the observer once the lock is released: every
+  // entry that may change a group declares a GroupChangesFlush before it
+  // takes the lock.
+  void SetGroupObserver(GroupObserver* observer) { group_changes_.SetObserver(observer); }
+  void FlushGroupChanges() { group_changes_.Flush(); }
 
   // The world, for EngineControl (engine_control.cpp) and persistence.
   std::mutex& mutex() { return mutex_; }
@@ -109,6 +116,9 @@ class Engine final : public Backend {
   // Uploads the files of image and file elements; returns a result code.
   int UploadElemsLocked(const std::string& actor, Json::Value* elems,
                         std::vector<std::pair<uint32_t, uint64_t>>* uploads);
+  // Queues the change for the observer and holds the callbacks that follow
+  // (its tips, the request's result) until the observer has seen it.
+  void GroupChangedLocked(GroupChange change);
   void PostGroupTipLocked(const Group& group, const std::string& actor, Json::Value elem,
                           const std::vector<std::string>& extra_receivers);
   Json::Value GroupTipElemLocked(const Group& group, int tip_type, const std::string& actor,
@@ -131,6 +141,20 @@ class Engine final : public Backend {
   std::string session_signature_;
   bool network_up_ = true;
   std::string autosave_path_;
+  GroupChangeNotifier group_changes_;
+};
+
+// Delivers the group changes made under the engine's lock when it goes out
+// of scope; declared before the lock, it runs after the lock is released.
+class GroupChangesFlush {
+ public:
+  explicit GroupChangesFlush(Engine& engine) : engine_(engine) {}
+  ~GroupChangesFlush() { engine_.FlushGroupChanges(); }
+  GroupChangesFlush(const GroupChangesFlush&) = delete;
+  GroupChangesFlush& operator=(const GroupChangesFlush&) = delete;
+
+ private:
+  Engine& engine_;
 };
 
 }  // namespace imsdk

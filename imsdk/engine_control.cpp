@@ -133,6 +133,7 @@ int EngineControl::AnswerFriendRequest(const std::string& owner, const std::stri
 std::string EngineControl::CreateGroup(const std::string& owner, const std::string& name,
                                        const std::vector<std::string>& members,
                                        const std::string& group_id) {
+  GroupChangesFlush flush(E());
   auto lock = Lock();
   int code = 0;
   return E().CreateGroupLocked(owner, name, group_id, "", 0, members, &code);
@@ -140,18 +141,21 @@ std::string EngineControl::CreateGroup(const std::string& owner, const std::stri
 
 int EngineControl::RenameGroup(const std::string& actor, const std::string& group_id,
                                const std::string& name) {
+  GroupChangesFlush flush(E());
   auto lock = Lock();
   return E().ModifyGroupLocked(actor, group_id, &name, nullptr, nullptr);
 }
 
 int EngineControl::TransferGroupOwner(const std::string& actor, const std::string& group_id,
                                       const std::string& new_owner) {
+  GroupChangesFlush flush(E());
   auto lock = Lock();
   return E().ModifyGroupLocked(actor, group_id, nullptr, nullptr, &new_owner);
 }
 
 int EngineControl::AddGroupMembers(const std::string& actor, const std::string& group_id,
                                    const std::vector<std::string>& ids) {
+  GroupChangesFlush flush(E());
   auto lock = Lock();
   Json::Value results;
   return E().InviteLocked(actor, group_id, ids, &results);
@@ -159,17 +163,20 @@ int EngineControl::AddGroupMembers(const std::string& actor, const std::string& 
 
 int EngineControl::RemoveGroupMembers(const std::string& actor, const std::string& group_id,
                                       const std::vector<std::string>& ids) {
+  GroupChangesFlush flush(E());
   auto lock = Lock();
   Json::Value results;
   return E().KickLocked(actor, group_id, ids, &results);
 }
 
 int EngineControl::QuitGroup(const std::string& actor, const std::string& group_id) {
+  GroupChangesFlush flush(E());
   auto lock = Lock();
   return E().QuitGroupLocked(actor, group_id);
 }
 
 int EngineControl::DisbandGroup(const std::string& actor, const std::string& group_id) {
+  GroupChangesFlush flush(E());
   auto lock = Lock();
   return E().DisbandGroupLocked(actor, group_id);
 }
@@ -217,6 +224,10 @@ bool EngineControl::RevokeMessage(const std::string& sender, int conv_type,
                                   const std::string& conv_id, uint64_t unique_id) {
   auto lock = Lock();
   return E().RevokeLocked(sender, {conv_type, conv_id}, unique_id);
+}
+
+void EngineControl::SetGroupObserver(GroupObserver* observer) {
+  E().SetGroupObserver(observer);
 }
 
 void EngineControl::FailNextCall(const std::string& function, int code) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "imsdk/group_observer.h"
 #include "imsdk/im_sdk.h"
 
 namespace imsdk {
@@ -61,6 +62,11 @@ class IMSDK_API EngineControl {
                          const std::vector<std::string>& ids);
   int QuitGroup(const std::string& actor, const std::string& group_id);
   int DisbandGroup(const std::string& actor, const std::string& group_id);
+  // Every group change from now on goes to `observer` (null: to nobody);
+  // group_observer.h says when and on which thread. Not part of the world:
+  // Reset keeps it. The caller keeps the observer alive until it is
+  // replaced; once this returns the previous one is not called any more.
+  void SetGroupObserver(GroupObserver* observer);
 
   // --- Messages as another account -------------------------------------
   // Each returns the send result code (0 delivered) and the message id.

@@ -1,5 +1,6 @@
 // Groups: membership, owner, name, and the tips every change leaves behind.
 #include <algorithm>
+#include <chrono>
 #include <set>
 
 #include "imsdk/engine.h"
@@ -58,6 +59,14 @@ Json::Value Engine::GroupTipElemLocked(const Group& group, int tip_type, const s
   e["group_tips_elem_member_num"] = static_cast<Json::UInt>(group.members.size());
   e["group_tips_elem_platform"] = "";
   return e;
+}
+
+void Engine::GroupChangedLocked(GroupChange change) {
+  const uint64_t number = group_changes_.Queue(std::move(change));
+  if (sink_ != nullptr) {
+    sink_->RunLater(std::chrono::milliseconds(0),
+                    [this, number] { group_changes_.WaitDelivered(number); });
+  }
 }
 
 void Engine::PostGroupTipLocked(const Group& group, const std::string& actor, Json::Value elem,
@@ -124,6 +133,9 @@ std::string Engine::CreateGroupLocked(const std::string& owner, const std::strin
     joined.push_back(m);
   }
   const Group& stored = world_.groups[id] = std::move(group);
+  GroupChange change{GroupChange::Kind::kCreated, id, stored.name, owner, {}};
+  for (const auto& m : stored.members) change.members.push_back(m.id);
+  GroupChangedLocked(std::move(change));
   PostGroupTipLocked(stored, owner, GroupTipElemLocked(stored, kTIMGroupTip_Invite, owner, joined),
                      {});
   return id;
@@ -142,6 +154,7 @@ int Engine::DisbandGroupLocked(const std::string& actor, const std::string& grou
   report["group_report_elem_group_name"] = group.name;
   report["group_report_elem_op_user"] = actor;
   report["group_report_elem_op_user_info"] = BriefProfileLocked(actor);
+  GroupChangedLocked({GroupChange::Kind::kDismissed, group.id, "", "", {}});
   PostGroupTipLocked(group, actor, report, {});
   return TIM_SUCC;
 }
@@ -153,6 +166,7 @@ int Engine::QuitGroupLocked(const std::string& actor, const std::string& group_i
   if (!group.HasMember(actor)) return TIM_ERR_NOT_GROUP_MEMBER;
   if (group.owner == actor) return TIM_ERR_GROUP_PERMISSION;
   std::erase_if(group.members, [&](const GroupMember& m) { return m.id == actor; });
+  GroupChangedLocked({GroupChange::Kind::kLeft, group_id, "", "", {actor}});
   PostGroupTipLocked(group, actor, GroupTipElemLocked(group, kTIMGroupTip_Quit, actor, {actor}),
                      {actor});
   return TIM_SUCC;
@@ -181,6 +195,7 @@ int Engine::InviteLocked(const std::string& actor, const std::string& group_id,
     results->append(entry);
   }
   if (!added.empty()) {
+    GroupChangedLocked({GroupChange::Kind::kJoined, group_id, "", "", added});
     PostGroupTipLocked(group, actor, GroupTipElemLocked(group, kTIMGroupTip_Invite, actor, added),
                        {});
   }
@@ -207,6 +222,7 @@ int Engine::KickLocked(const std::string& actor, const std::string& group_id,
     results->append(entry);
   }
   if (!removed.empty()) {
+    GroupChangedLocked({GroupChange::Kind::kLeft, group_id, "", "", removed});
     PostGroupTipLocked(group, actor, GroupTipElemLocked(group, kTIMGroupTip_Kick, actor, removed),
                        removed);
   }
@@ -228,6 +244,7 @@ int Engine::ModifyGroupLocked(const std::string& actor, const std::string& group
   if (name != nullptr) {
     group.name = *name;
     changes.append(ChangeInfo(1, *name));
+    GroupChangedLocked({GroupChange::Kind::kRenamed, group_id, *name, "", {}});
   }
   if (face != nullptr) {
     group.face_url = *face;
@@ -237,6 +254,7 @@ int Engine::ModifyGroupLocked(const std::string& actor, const std::string& group
     for (auto& m : group.members) m.role = m.id == *owner ? 3 : 1;
     group.owner = *owner;
     changes.append(ChangeInfo(5, *owner));
+    GroupChangedLocked({GroupChange::Kind::kOwnerChanged, group_id, *owner, "", {}});
   }
   if (changes.empty()) return TIM_SUCC;
   Json::Value tip = GroupTipElemLocked(group, kTIMGroupTip_InfoChange, actor, {});
@@ -310,6 +328,7 @@ int Engine::CreateGroup(const Json::Value& param, ResultFn done) {
   }
   if (!reader.ok()) return TIM_ERR_INVALID_JSON;
   if (name.empty() || id.size() > TIM_MAX_ID_LENGTH) return TIM_ERR_INVALID_PARAM;
+  GroupChangesFlush flush(*this);
   std::lock_guard lock(mutex_);
   if (int code = CheckSessionLocked()) return code;
   if (QueuedFailureLocked("TIMGroupCreate", done) || NetworkDownLocked(done)) return TIM_SUCC;
@@ -323,6 +342,7 @@ int Engine::CreateGroup(const Json::Value& param, ResultFn done) {
 }
 
 int Engine::DisbandGroup(const std::string& group_id, ResultFn done) {
+  GroupChangesFlush flush(*this);
   std::lock_guard lock(mutex_);
   if (int code = CheckSessionLocked()) return code;
   if (QueuedFailureLocked("TIMGroupDelete", done) || NetworkDownLocked(done)) return TIM_SUCC;
@@ -331,6 +351,7 @@ int Engine::DisbandGroup(const std::string& group_id, ResultFn done) {
 }
 
 int Engine::QuitGroup(const std::string& group_id, ResultFn done) {
+  GroupChangesFlush flush(*this);
   std::lock_guard lock(mutex_);
   if (int code = CheckSessionLocked()) return code;
   if (QueuedFailureLocked("TIMGroupQuit", done) || NetworkDownLocked(done)) return TIM_SUCC;
@@ -344,6 +365,7 @@ int Engine::InviteMembers(const Json::Value& param, ResultFn done) {
   auto ids = reader.StringArray("group_invite_member_param_identifier_array");
   if (!reader.ok()) return TIM_ERR_INVALID_JSON;
   if (group_id.empty() || ids.empty()) return TIM_ERR_INVALID_PARAM;
+  GroupChangesFlush flush(*this);
   std::lock_guard lock(mutex_);
   if (int code = CheckSessionLocked()) return code;
   if (QueuedFailureLocked("TIMGroupInviteMember", done) || NetworkDownLocked(done)) {
@@ -360,6 +382,7 @@ int Engine::RemoveMembers(const Json::Value& param, ResultFn done) {
   auto ids = reader.StringArray("group_delete_member_param_identifier_array");
   if (!reader.ok()) return TIM_ERR_INVALID_JSON;
   if (group_id.empty() || ids.empty()) return TIM_ERR_INVALID_PARAM;
+  GroupChangesFlush flush(*this);
   std::lock_guard lock(mutex_);
   if (int code = CheckSessionLocked()) return code;
   if (QueuedFailureLocked("TIMGroupDeleteMember", done) || NetworkDownLocked(done)) {
@@ -384,6 +407,7 @@ int Engine::ModifyGroup(const Json::Value& param, ResultFn done) {
       !(has_name || has_face || has_owner)) {
     return TIM_ERR_INVALID_PARAM;
   }
+  GroupChangesFlush flush(*this);
   std::lock_guard lock(mutex_);
   if (int code = CheckSessionLocked()) return code;
   if (QueuedFailureLocked("TIMGroupModifyGroupInfo", done) || NetworkDownLocked(done)) {

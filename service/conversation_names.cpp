@@ -92,8 +92,9 @@ WString CChatTools::FacePathFor(const WString& faceUrl, const WString& fallback)
   WString path = platform::JoinPath(folder, FaceFileName(faceUrl));
   if (FileExists(path)) return path;
   HostCloudService* cloud = host::AcquireCloudService("CChatTools::GetConvImage");
-  if (cloud == nullptr || !cloud->DownloadPicture(faceUrl.c_str(), path.c_str()) ||
-      !FileExists(path)) {
+  if (cloud == nullptr) return fallback;
+  if (!cloud->DownloadPicture(faceUrl.c_str(), path.c_str()) || !FileExists(path)) {
+    platform::Trace("下载图片失败!!!");
     return fallback;
   }
   return path;

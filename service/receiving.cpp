@@ -175,6 +175,12 @@ void CChatTools::HandleGroupEvents(const MessageStru& message) {
       service::Post(window, platform::msg::kReloadGroupsFromHost);
       continue;
     }
+    if (elem.elem_type == kElemGroupReport && elem.report_type == kTIMGroupReport_Disband) {
+      // A disbanded group is reported, not announced by group tips: reload
+      // the groups here, or it stays in the group list.
+      LoadHostGroups();
+      RequestJoinedGroupList();
+    }
     std::optional<records::GroupChangeReminder> reminder =
         records::GroupChangeReminderFor(elem, self);
     if (!reminder) continue;

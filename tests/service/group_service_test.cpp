@@ -1,0 +1,533 @@
+// The group service end to end: the local host (kept in step with the
+// engine's groups through the engine's group hook), the embedded engine and
+// the service between them.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "host/local/engine_group_link.h"
+#include "host/local/local_host.h"
+#include "platform/data_folders.h"
+#include "tests/service/service_fixture.h"
+
+namespace service_test {
+namespace {
+
+using host::GroupAction;
+using host::GroupActionResult;
+using host::OwnerTransferResult;
+
+// Passes the engine's group changes on to the local host and notes, for
+// each, the host calls made before it: the chat side must follow the host.
+class OrderNotingMirror final : public host::local::GroupMirror {
+ public:
+  explicit OrderNotingMirror(host::local::LocalHost& host) : host_(host) {}
+
+  struct Change {
+    std::string kind;
+    std::vector<std::string> hostCallsBefore;
+  };
+  std::vector<Change> Changes() const {
+    std::lock_guard lock(mutex_);
+    return changes_;
+  }
+
+  void OnGroupCreated(const WString& id, const WString& name, const WString& owner,
+                      const std::vector<WString>& members) override {
+    Note("created");
+    host_.OnGroupCreated(id, name, owner, members);
+  }
+  void OnMembersJoined(const WString& id, const std::vector<WString>& members) override {
+    Note("joined");
+    host_.OnMembersJoined(id, members);
+  }
+  void OnMembersLeft(const WString& id, const std::vector<WString>& members) override {
+    Note("left");
+    host_.OnMembersLeft(id, members);
+  }
+  void OnGroupRenamed(const WString& id, const WString& name) override {
+    Note("renamed");
+    host_.OnGroupRenamed(id, name);
+  }
+  void OnOwnerChanged(const WString& id, const WString& owner) override {
+    Note("owner");
+    host_.OnOwnerChanged(id, owner);
+  }
+  void OnGroupDismissed(const WString& id) override {
+    Note("dismissed");
+    host_.OnGroupDismissed(id);
+  }
+
+ private:
+  void Note(const char* kind) {
+    Change change{kind, host_.CallNames()};
+    std::lock_guard lock(mutex_);
+    changes_.push_back(std::move(change));
+  }
+  host::local::LocalHost& host_;
+  mutable std::mutex mutex_;
+  std::vector<Change> changes_;
+};
+
+CloudGroupMember Member(int32_t id) {
+  CloudGroupMember member;
+  member.accountId = id;
+  member.imUserId = platform::Utf8ToUtf16(std::to_string(id));
+  return member;
+}
+
+class GroupServiceTest : public ServiceTest {
+ protected:
+  void SetUp() override {
+    ServiceTest::SetUp();
+    host_.Install();
+    for (int32_t id : {10001, 10002, 10003}) {
+      host::local::LocalAccount account;
+      account.id = id;
+      account.displayName = u"host" + platform::Utf8ToUtf16(std::to_string(id));
+      host_.AddAccount(account);
+    }
+    host_.SignIn(10001);
+  }
+  void TearDown() override {
+    link_.reset();
+    host_.Uninstall();
+    ServiceTest::TearDown();
+  }
+  std::vector<std::string> Changes() const {
+    std::vector<std::string> kinds;
+    for (const auto& change : mirror_.Changes()) kinds.push_back(change.kind);
+    return kinds;
+  }
+  // The last engine change came after the host call `hostCall`.
+  bool LastChangeFollowed(const std::string& hostCall) const {
+    const auto changes = mirror_.Changes();
+    if (changes.empty()) return false;
+    const auto& before = changes.back().hostCallsBefore;
+    return std::find(before.begin(), before.end(), hostCall) != before.end();
+  }
+  std::vector<Box> BoxesSince(size_t count) const {
+    std::vector<Box> boxes = window.Boxes();
+    return std::vector<Box>(boxes.begin() + static_cast<std::ptrdiff_t>(count), boxes.end());
+  }
+  int32_t CloudIdOf(const std::string& imGroupId) const {
+    auto group = host_.FindGroup(platform::Utf8ToUtf16(imGroupId));
+    return group ? group->cloudGroupId : -1;
+  }
+
+  host::local::LocalHost host_{testing::TempDir() + "service_group_space"};
+  OrderNotingMirror mirror_{host_};
+  std::unique_ptr<host::local::EngineGroupLink> link_ =
+      std::make_unique<host::local::EngineGroupLink>(mirror_);
+};
+
+TEST_F(GroupServiceTest, GroupActionsAskTheHostFirstAndFollowOnlyOnSuccess) {
+  const char16_t* const kNotOwner = u"非管理员不能删除群成员！！！";
+  const struct {
+    const char* name;
+    GroupAction action;
+    const char* owner;
+    std::vector<int32_t> members;
+    const char* failing;  // host operation made to fail
+    GroupActionResult result;
+    Box box;               // empty title: no box
+    const char* hostCall;  // the host call the chat side followed
+    const char* change;    // the engine change that followed, "" none
+    std::vector<std::string> membersAfter;
+  } cases[] = {
+      {"remove",
+       GroupAction::kRemoveMembers,
+       "10001",
+       {10003},
+       "",
+       GroupActionResult::kDone,
+       {},
+       "RemoveGroupMembers",
+       "left",
+       {"10001", "10002"}},
+      {"remove, not owner",
+       GroupAction::kRemoveMembers,
+       "10002",
+       {10003},
+       "",
+       GroupActionResult::kNotOwner,
+       {{}, u"提示", kNotOwner},
+       "",
+       "",
+       {"10002", "10001", "10003"}},
+      {"remove, host fails",
+       GroupAction::kRemoveMembers,
+       "10001",
+       {10003},
+       "RemoveGroupMembers",
+       GroupActionResult::kHostFailed,
+       {{}, u"错误", u"删除群成员失败！！！"},
+       "",
+       "",
+       {"10001", "10002", "10003"}},
+      {"remove, role unknown",
+       GroupAction::kRemoveMembers,
+       "10001",
+       {10003},
+       "GetGroupRole",
+       GroupActionResult::kRoleQueryFailed,
+       {{}, u"错误", u"查询群角色失败！！！"},
+       "",
+       "",
+       {"10001", "10002", "10003"}},
+      {"leave",
+       GroupAction::kLeave,
+       "10002",
+       {10001},
+       "",
+       GroupActionResult::kDone,
+       {},
+       "RemoveGroupMembers",
+       "left",
+       {"10002", "10003"}},
+      {"leave, host fails",
+       GroupAction::kLeave,
+       "10002",
+       {10001},
+       "RemoveGroupMembers",
+       GroupActionResult::kHostFailed,
+       {{}, u"错误", u"退群失败！！！"},
+       "",
+       "",
+       {"10002", "10001", "10003"}},
+      {"leave, group unknown",
+       GroupAction::kLeave,
+       "10002",
+       {10001},
+       "GetGroupMembers",
+       GroupActionResult::kGroupQueryFailed,
+       {{}, u"错误", u"查询群信息失败！！！"},
+       "",
+       "",
+       {"10002", "10001", "10003"}},
+      {"disband",
+       GroupAction::kDisband,
+       "10001",
+       {},
+       "",
+       GroupActionResult::kDone,
+       {},
+       "DisbandCloudGroup",
+       "dismissed",
+       {}},
+      {"disband, not owner",
+       GroupAction::kDisband,
+       "10002",
+       {},
+       "",
+       GroupActionResult::kNotOwner,
+       {{}, u"提示", kNotOwner},
+       "",
+       "",
+       {"10002", "10001", "10003"}},
+      {"disband, host fails",
+       GroupAction::kDisband,
+       "10001",
+       {},
+       "DisbandCloudGroup",
+       GroupActionResult::kHostFailed,
+       {{}, u"错误", u"解散群组失败！！！"},
+       "",
+       "",
+       {"10001", "10002", "10003"}},
+      {"add",
+       GroupAction::kAddMembers,
+       "10002",
+       {10003},
+       "",
+       GroupActionResult::kDone,
+       {},
+       "AddGroupMembers",
+       "joined",
+       {"10002", "10001", "10003"}},
+      {"add, host fails",
+       GroupAction::kAddMembers,
+       "10002",
+       {10003},
+       "AddGroupMembers",
+       GroupActionResult::kHostFailed,
+       {{}, u"错误", u"添加群成员失败!"},
+       "",
+       "",
+       {"10002", "10001"}},
+      {"add, group unknown",
+       GroupAction::kAddMembers,
+       "10002",
+       {10003},
+       "GetGroupMembers",
+       GroupActionResult::kGroupQueryFailed,
+       {{}, u"查询群信息", u"查询群信息失败!"},
+       "",
+       "",
+       {"10002", "10001"}},
+      {"rename",
+       GroupAction::kRename,
+       "10001",
+       {},
+       "",
+       GroupActionResult::kDone,
+       {},
+       "RenameGroup",
+       "renamed",
+       {"10001", "10002", "10003"}},
+      {"rename, host fails",
+       GroupAction::kRename,
+       "10001",
+       {},
+       "RenameGroup",
+       GroupActionResult::kHostFailed,
+       {{}, u"错误", u"设置群名称失败！！！"},
+       "",
+       "",
+       {"10001", "10002", "10003"}},
+  };
+  ASSERT_TRUE(SignIn());
+  int n = 0;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const std::string groupId = "g" + std::to_string(++n);
+    std::vector<std::string> others;
+    for (const char* id : {"10001", "10002", "10003"}) {
+      const bool addedLater = c.action == GroupAction::kAddMembers && std::string(id) == "10003";
+      if (id != std::string(c.owner) && !addedLater) others.push_back(id);
+    }
+    ASSERT_EQ(engine.CreateGroup(c.owner, "G", others, groupId), groupId);
+    ASSERT_TRUE(host_.FindGroup(platform::Utf8ToUtf16(groupId)));  // through the link
+    const WString wideId = platform::Utf8ToUtf16(groupId);
+    ASSERT_TRUE(PumpUntil([&] { return tools->IsJoinedGroup(wideId); }));
+    host_.ClearCalls();
+    if (*c.failing != '\0') host_.FailOperation(c.failing);
+    const size_t changesBefore = mirror_.Changes().size();
+    const size_t boxesBefore = window.Boxes().size();
+
+    host::GroupActionRequest request;
+    request.action = c.action;
+    request.imGroupId = platform::Utf8ToUtf16(groupId);
+    for (int32_t id : c.members) request.members.push_back(Member(id));
+    request.newName = u"新名字";
+    EXPECT_EQ(tools->RunGroupAction(request, "test "), c.result);
+    if (*c.failing != '\0') host_.FailOperation(c.failing, false);
+
+    const auto changes = mirror_.Changes();
+    if (*c.change == '\0') {
+      EXPECT_EQ(changes.size(), changesBefore);
+    } else {
+      ASSERT_EQ(changes.size(), changesBefore + 1);
+      EXPECT_EQ(changes.back().kind, c.change);
+      EXPECT_TRUE(LastChangeFollowed(c.hostCall));
+    }
+    EXPECT_EQ(engine.GroupMembers(groupId), c.membersAfter);
+    if (c.membersAfter.empty() ||
+        (c.action == GroupAction::kLeave && c.result == GroupActionResult::kDone)) {
+      EXPECT_TRUE(PumpUntil([&] { return !tools->IsJoinedGroup(wideId); }));
+    }
+    std::vector<Box> boxes = BoxesSince(boxesBefore);
+    if (c.box.title.empty()) {
+      EXPECT_TRUE(boxes.empty());
+    } else {
+      ASSERT_EQ(boxes.size(), 1u);
+      EXPECT_EQ(boxes[0].title, c.box.title);
+      EXPECT_EQ(boxes[0].text, c.box.text);
+    }
+  }
+  EXPECT_EQ(engine.GroupName("g14"), "新名字");
+}
+
+TEST_F(GroupServiceTest, CreateGroupMakesTheCloudGroupThenTheChatGroupOfTheSameId) {
+  ASSERT_TRUE(SignIn());
+  host_.FailOperation("CreateCloudGroup");
+  EXPECT_FALSE(tools->CreateGroup(u"评审", {Member(10002)}));
+  EXPECT_TRUE(Changes().empty());
+  host_.FailOperation("CreateCloudGroup", false);
+
+  ASSERT_TRUE(tools->CreateGroup(u"评审", {Member(10002)}));
+  ASSERT_EQ(Changes(), std::vector<std::string>{"created"});
+  EXPECT_TRUE(LastChangeFollowed("CreateCloudGroup"));
+  ASSERT_TRUE(host_.FindGroup(u"group_1001"));
+  EXPECT_EQ(engine.GroupName("group_1001"), "评审");
+  EXPECT_EQ(engine.GroupOwner("group_1001"), "10001");
+  EXPECT_EQ(engine.GroupMembers("group_1001"), (std::vector<std::string>{"10001", "10002"}));
+  // The tips reload the groups: the new group is known with its cloud id.
+  ASSERT_TRUE(PumpUntil([&] {
+    auto group = tools->FindGroup(u"group_1001");
+    return group && group->cloud_group_id == CloudIdOf("group_1001") && group->name == u"评审";
+  }));
+}
+
+TEST_F(GroupServiceTest, OwnerTransferAsksTheHostConfirmsAndFollows) {
+  const struct {
+    const char* name;
+    int32_t newOwner;
+    bool confirm;
+    const char* failing;
+    OwnerTransferResult result;
+    std::vector<Box> boxes;
+    const char* ownerAfter;
+  } cases[] = {
+      {"nobody chosen", -1, true, "", OwnerTransferResult::kNoNewOwner, {}, "10001"},
+      {"not a member", 10003, true, "", OwnerTransferResult::kRefused, {}, "10001"},
+      {"cancelled",
+       10002,
+       false,
+       "",
+       OwnerTransferResult::kCancelled,
+       {{{}, u"提示", u"确定选择王工为新群主,你将放弃群主身份。"}},
+       "10001"},
+      {"host fails",
+       10002,
+       true,
+       "TransferGroupOwner",
+       OwnerTransferResult::kHostFailed,
+       {{{}, u"提示", u"确定选择王工为新群主,你将放弃群主身份。"},
+        {{}, u"错误", u"转移群组权限失败!"}},
+       "10001"},
+      {"done",
+       10002,
+       true,
+       "",
+       OwnerTransferResult::kDone,
+       {{{}, u"提示", u"确定选择王工为新群主,你将放弃群主身份。"},
+        {{}, u"提示", u"转移群组权限成功! \"王工\" 已成为新群主"}},
+       "10002"},
+  };
+  ASSERT_TRUE(SignIn());
+  ASSERT_EQ(engine.CreateGroup("10001", "G", {"10002"}, "gt"), "gt");
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    host_.ClearCalls();
+    window.SetConfirmAnswer(c.confirm);
+    if (*c.failing != '\0') host_.FailOperation(c.failing);
+    const size_t changesBefore = mirror_.Changes().size();
+    const size_t boxesBefore = window.Boxes().size();
+    host::OwnerTransferRequest request{CloudIdOf("gt"), c.newOwner, u"王工"};
+    EXPECT_EQ(tools->TransferGroupOwner(u"gt", request, "test "), c.result);
+    if (*c.failing != '\0') host_.FailOperation(c.failing, false);
+    if (c.newOwner == -1) {
+      EXPECT_TRUE(host_.Calls().empty());
+    }
+    std::vector<Box> boxes = BoxesSince(boxesBefore);
+    ASSERT_EQ(boxes.size(), c.boxes.size());
+    for (size_t i = 0; i < boxes.size(); ++i) {
+      EXPECT_EQ(boxes[i].title, c.boxes[i].title);
+      EXPECT_EQ(boxes[i].text, c.boxes[i].text);
+    }
+    EXPECT_EQ(engine.GroupOwner("gt"), c.ownerAfter);
+    const bool followed = c.result == OwnerTransferResult::kDone;
+    EXPECT_EQ(mirror_.Changes().size(), changesBefore + (followed ? 1 : 0));
+    if (followed) {
+      EXPECT_TRUE(LastChangeFollowed("TransferGroupOwner"));
+    }
+  }
+}
+
+TEST_F(GroupServiceTest, HostGroupsReloadOn3181AndOnTips) {
+  ASSERT_EQ(engine.CreateGroup("10002", "G", {"10001"}, "g1"), "g1");
+  host_.SignOut();  // the host cannot list its groups at sign-in
+  ASSERT_TRUE(SignIn());
+  ASSERT_TRUE(PumpUntil([&] { return tools->IsJoinedGroup(u"g1"); }));
+  EXPECT_EQ(tools->FindGroup(u"g1")->cloud_group_id, -1);
+  EXPECT_TRUE(traces.Contains("获取已加入群组列表 失败!!! host"));
+
+  // A group only the host knows, and a changed cloud space: 3181.
+  host_.OnGroupCreated(u"cloud_only", u"云", u"10001", {u"10001"});
+  host_.SignIn(10001);
+  ClearSeen();
+  ASSERT_EQ(engine.SendCustom("10002", 2, "g1", R"({"msgType":1,"data":{"subType":1}})"), 0);
+  ASSERT_TRUE(PumpUntil([&] { return CountSeen(platform::msg::kReloadGroupsFromHost) >= 1; }));
+  tools->LoadHostGroups();  // as the window does on 3181
+  EXPECT_EQ(tools->FindGroup(u"g1")->cloud_group_id, CloudIdOf("g1"));
+  EXPECT_EQ(tools->FindGroup(u"g1")->name, u"G");
+  ASSERT_TRUE(tools->FindGroup(u"cloud_only"));
+  EXPECT_EQ(tools->FindGroup(u"cloud_only")->name, u"云");
+  EXPECT_EQ(tools->GetCurrenConvType(u"cloud_only"), 2u);
+  DrainNow();
+  EXPECT_GE(CountSeen(platform::msg::kGroupListChanged), 1u);
+
+  // Another member's change: the tips callback reads the host already
+  // holding the group the engine reports.
+  ASSERT_FALSE(engine.CreateGroup("10003", "N", {"10001"}, "g2").empty());
+  ASSERT_TRUE(PumpUntil([&] {
+    auto group = tools->FindGroup(u"g2");
+    return group && group->cloud_group_id != -1;
+  }));
+  EXPECT_EQ(tools->FindGroup(u"g2")->cloud_group_id, CloudIdOf("g2"));
+}
+
+TEST_F(GroupServiceTest, ConversationImagesComeThroughTheHostIntoTheFaceCache) {
+  const std::string pictures = testing::TempDir() + "service_group_pictures/";
+  std::filesystem::create_directories(pictures);
+  for (const char* name : {"friend.png", "stranger.jpg", "group.png"}) {
+    std::ofstream(pictures + name) << name;
+  }
+  engine.UpdateProfile("10002", {"王工", pictures + "friend.png", 2, ""});
+  host::local::LocalAccount stranger;
+  stranger.id = 10003;
+  stranger.displayName = u"赵工";
+  stranger.avatarPath = platform::Utf8ToUtf16(pictures + "stranger.jpg");
+  host_.AddAccount(stranger);
+  ASSERT_EQ(engine.CreateGroup("10001", "G", {"10002"}, "gp"), "gp");
+  ASSERT_EQ(engine.CreateGroup("10001", "Plain", {"10002"}, "gq"), "gq");
+  ASSERT_TRUE(SignIn());
+  Json::Value face;
+  face["group_modify_info_param_group_id"] = "gp";
+  face["group_modify_info_param_face_url"] = pictures + "group.png";
+  ASSERT_EQ(TIMGroupModifyGroupInfo(face.toStyledString().c_str(), nullptr, nullptr), 0);
+  ASSERT_TRUE(PumpUntil([&] {
+    auto group = tools->FindGroup(u"gp");
+    return group && !group->face_url.empty() && tools->FindGroup(u"gq");
+  }));
+
+  const WString faces = platform::DataFolders::Instance().GetFacePath();
+  const WString kPerson = u"..\\img\\PersonDefaultImg.png";
+  const WString kGroup = u"..\\img\\GroupDefaultImg.png";
+  const struct {
+    const char* name;
+    uint32_t type;
+    const char16_t* id;
+    bool downloadFails;
+    const char* picture;  // expected cached copy of this picture; "" = default
+    WString defaultImage;
+    WString displayName;
+  } cases[] = {
+      {"friend, download fails", 1, u"10002", true, "", kPerson, u"王工"},
+      {"friend", 1, u"10002", false, "friend.png", kPerson, u"王工"},
+      {"friend, cached", 1, u"10002", false, "friend.png", kPerson, u"王工"},
+      {"stranger from the host", 1, u"10003", false, "stranger.jpg", kPerson, u"赵工"},
+      {"unknown person", 1, u"20000", false, "", kPerson, u"20000"},
+      {"group", 2, u"gp", false, "group.png", kGroup, u"G"},
+      {"group without picture", 2, u"gq", false, "", kGroup, u"Plain"},
+      {"unknown group", 2, u"gx", false, "", kGroup, u""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    host_.ClearCalls();
+    if (c.downloadFails) host_.FailOperation("DownloadPicture");
+    WString image;
+    WString name;
+    tools->GetConvImage(c.type, c.id, image, name);
+    host_.FailOperation("DownloadPicture", false);
+    EXPECT_EQ(name, c.displayName);
+    const auto calls = host_.CallNames();
+    const size_t downloads = std::count(calls.begin(), calls.end(), "DownloadPicture");
+    if (*c.picture == '\0') {
+      EXPECT_EQ(image, c.defaultImage);
+      if (c.downloadFails) {
+        EXPECT_TRUE(traces.Contains("下载图片失败!!!"));
+      }
+      continue;
+    }
+    EXPECT_EQ(image.rfind(faces, 0), 0u);
+    std::ifstream cached(platform::Utf16ToUtf8(image));
+    std::string content((std::istreambuf_iterator<char>(cached)), {});
+    EXPECT_EQ(content, c.picture);
+    EXPECT_EQ(downloads, std::string(c.name).find("cached") != std::string::npos ? 0u : 1u);
+  }
+}
+
+}  // namespace
+}  // namespace service_test
