@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/trace.h"
+#include "service/callback_owner.h"
 #include "service/current_conversation.h"
 #include "store/chat_db.h"
 
@@ -37,9 +38,19 @@ NoWindow& NoWindowPort() {
 
 CChatTools::CChatTools() = default;
 
+namespace service {
+
+std::atomic<CChatTools*>& IdCallbackOwner() {
+  static std::atomic<CChatTools*> owner{nullptr};
+  return owner;
+}
+
+}  // namespace service
+
 CChatTools::~CChatTools() {
   UnregisterSdkCallbacks();
-  ForgetDownloads();
+  CChatTools* self = this;
+  service::IdCallbackOwner().compare_exchange_strong(self, nullptr);
 }
 
 CChatTools& CChatTools::Instance() {

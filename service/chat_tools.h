@@ -296,7 +296,6 @@ class CChatTools {
   bool IsKnownGroupLocked(const WString& groupId) const;
   WString FacePathFor(const WString& faceUrl, const WString& fallback);
   void UnregisterSdkCallbacks();
-  void ForgetDownloads();
 
   // Groups.
   void ReplaceSdkGroups(std::vector<GroupInfo> groups);
@@ -359,8 +358,7 @@ class CChatTools {
   static void ReportPendencyReadedFunc(int32_t code, const char* desc, const char* json,
                                        void* user);
   static void DeleteFriendFunc(int32_t code, const char* desc, const char* json, void* user);
-  static void ModifyFriendProfileFunc(int32_t code, const char* desc, const char* json,
-                                      void* user);
+  static void ModifyFriendProfileFunc(int32_t code, const char* desc, const char* json, void* user);
   static void UserProfileListFunc(int32_t code, const char* desc, const char* json, void* user);
   static void HandleFriendAddRequestFunc(int32_t code, const char* desc, const char* json,
                                          void* user);

@@ -6,6 +6,7 @@
 
 #include "imsdk/im_sdk.h"
 #include "platform/trace.h"
+#include "service/callback_owner.h"
 #include "service/chat_tools.h"
 #include "service/posting.h"
 #include "service/sdk_text.h"
@@ -32,13 +33,6 @@ uint32_t UserDataToKey(void* user) {
   return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(user));
 }
 
-// The download result names its request only by key; the callbacks reach the
-// service object through this (the module has one service object).
-std::atomic<CChatTools*>& DownloadOwner() {
-  static std::atomic<CChatTools*> owner{nullptr};
-  return owner;
-}
-
 }  // namespace
 
 void CChatTools::DownloadMessageElem(const WString& elemParam, const WString& path,
@@ -56,17 +50,12 @@ void CChatTools::DownloadMessageElem(const WString& elemParam, const WString& pa
     std::lock_guard lock(download_mutex_);
     downloads_[requestKey] = state;
   }
-  DownloadOwner().store(this);
+  service::IdCallbackOwner().store(this);
   int ret = TIMMsgDownloadElemToPath(param.c_str(), target.c_str(),
                                      &CChatTools::TIMMsgDownloadFileElemToPathFunc,
                                      KeyToUserData(requestKey));
   if (ret != 0) platform::Trace("File download failed! ret:%d", ret);
   platform::Trace("DownloadMessageElem exit!!!!!!");
-}
-
-void CChatTools::ForgetDownloads() {
-  CChatTools* self = this;
-  DownloadOwner().compare_exchange_strong(self, nullptr);
 }
 
 std::optional<DownloadState> CChatTools::GetDownloadState(uint32_t requestKey) const {
@@ -79,7 +68,7 @@ std::optional<DownloadState> CChatTools::GetDownloadState(uint32_t requestKey) c
 void CChatTools::TIMMsgDownloadFileElemToPathFunc(int32_t code, const char* desc, const char* json,
                                                   void* user) {
   uint32_t key = UserDataToKey(user);
-  CChatTools* self = DownloadOwner().load();
+  CChatTools* self = service::IdCallbackOwner().load();
   if (self == nullptr) return;
   bool delayed = false;
   {

@@ -6,10 +6,10 @@
 #include "imsdk/im_sdk.h"
 #include "platform/trace.h"
 #include "records/message_parser.h"
+#include "service/callback_owner.h"
 #include "service/chat_tools.h"
 #include "service/posting.h"
 #include "service/sending_json.h"
-#include "service/sending_owner.h"
 
 namespace {
 
@@ -36,15 +36,6 @@ Json::Value OneElem(Json::Value elem) {
 }
 
 }  // namespace
-
-namespace service {
-
-std::atomic<CChatTools*>& SendOwner() {
-  static std::atomic<CChatTools*> owner{nullptr};
-  return owner;
-}
-
-}  // namespace service
 
 bool CChatTools::OnSendTextElem(const WString& convId, uint32_t convType, const WString& text) {
   EnterExitTrace trace("OnSendTextElem");
@@ -132,7 +123,7 @@ bool CChatTools::SendMsg(const WString& convId, uint32_t convType, const Json::V
     std::lock_guard order(send_order_mutex_);
     bool tookOver = false;
     const uint32_t localId = RegisterPendingSend(pending, &tookOver);
-    service::SendOwner().store(this);
+    service::IdCallbackOwner().store(this);
     auto userData = std::make_unique<uint32_t>(localId);
     int ret = TIMMsgSendNewMsg(Utf8(convId).c_str(), static_cast<int32_t>(convType),
                                service::StyledText(message).c_str(),

@@ -6,6 +6,7 @@
 
 #include "platform/trace.h"
 #include "records/message_parser.h"
+#include "service/callback_owner.h"
 #include "service/chat_tools.h"
 #include "service/current_conversation.h"
 #include "service/pending_sends.h"
@@ -13,7 +14,6 @@
 #include "service/sdk_text.h"
 #include "service/sending_json.h"
 #include "service/sending_notice.h"
-#include "service/sending_owner.h"
 #include "store/chat_db.h"
 
 namespace {
@@ -30,7 +30,7 @@ bool ParseObject(const std::string& text, Json::Value& out) {
 void CChatTools::TIMMsgSendNewMsgFunc(int32_t code, const char*, const char* json, void* user) {
   platform::Trace("TIMMsgSendNewMsgFunc enter!!!!!!");
   std::unique_ptr<uint32_t> idCopy(static_cast<uint32_t*>(user));
-  CChatTools* self = service::SendOwner().load();
+  CChatTools* self = service::IdCallbackOwner().load();
   if (idCopy == nullptr || self == nullptr) return;
   const uint32_t localId = *idCopy;
   idCopy.reset();
