@@ -7,210 +7,152 @@
 namespace imsdk_test {
 namespace {
 
+enum State { kOff, kOut, kIn };  // not initialized, initialized, signed in as alice
+
 struct BadCall {
-  const char* name;
-  std::function<int()> call;
+  State state;
+  const char* call;
+  std::function<int()> run;
   int expected;
 };
 
+const TIMCommCallback cb = OnResult;
+void* const t = Tag("bad");
 const std::string kLongId(TIM_MAX_ID_LENGTH + 1, 'x');
 const std::string kHugeJson = "\"" + std::string(TIM_MAX_JSON_LENGTH + 10, 'a') + "\"";
+const char* const kText = R"({"message_elem_array":[{"elem_type":0,"text_elem_content":"x"}]})";
 
-std::vector<BadCall> SignedInBadCalls() {
-  auto cb = OnResult;
-  void* t = Tag("bad");
-  return {
-      {"send null conv", [=] { return TIMMsgSendNewMsg(nullptr, 1, "{}", cb, t); },
-       TIM_ERR_INVALID_PARAM},
-      {"send empty conv", [=] { return TIMMsgSendNewMsg("", 1, "{}", cb, t); },
-       TIM_ERR_INVALID_PARAM},
-      {"send long conv", [=] { return TIMMsgSendNewMsg(kLongId.c_str(), 1, "{}", cb, t); },
-       TIM_ERR_INVALID_PARAM},
-      {"send conv type 0", [=] { return TIMMsgSendNewMsg("bob", 0, "{}", cb, t); },
-       TIM_ERR_INVALID_CONV_TYPE},
-      {"send conv type 3", [=] { return TIMMsgSendNewMsg("bob", 3, "{}", cb, t); },
-       TIM_ERR_INVALID_CONV_TYPE},
-      {"send null json", [=] { return TIMMsgSendNewMsg("bob", 1, nullptr, cb, t); },
-       TIM_ERR_INVALID_PARAM},
-      {"send not json", [=] { return TIMMsgSendNewMsg("bob", 1, "{oops", cb, t); },
-       TIM_ERR_INVALID_JSON},
-      {"send array", [=] { return TIMMsgSendNewMsg("bob", 1, "[]", cb, t); }, TIM_ERR_INVALID_JSON},
-      {"send no elems", [=] { return TIMMsgSendNewMsg("bob", 1, "{}", cb, t); },
-       TIM_ERR_INVALID_JSON},
-      {"send elem type string",
-       [=] {
-         return TIMMsgSendNewMsg("bob", 1, R"({"message_elem_array":[{"elem_type":"0"}]})", cb, t);
-       },
-       TIM_ERR_INVALID_JSON},
-      {"send text not string",
-       [=] {
-         return TIMMsgSendNewMsg(
-             "bob", 1, R"({"message_elem_array":[{"elem_type":0,"text_elem_content":5}]})", cb, t);
-       },
-       TIM_ERR_INVALID_JSON},
-      {"send unknown elem",
-       [=] {
-         return TIMMsgSendNewMsg("bob", 1, R"({"message_elem_array":[{"elem_type":7}]})", cb, t);
-       },
-       TIM_ERR_INVALID_JSON},
-      {"send huge json", [=] { return TIMMsgSendNewMsg("bob", 1, kHugeJson.c_str(), cb, t); },
-       TIM_ERR_INVALID_PARAM},
-      {"history unknown conv",
-       [=] { return TIMMsgGetMsgList("nobody", 1, R"({"msg_getmsglist_param_count":5})", cb, t); },
-       TIM_ERR_CONV_NOT_FOUND},
-      {"history count 0",
-       [=] { return TIMMsgGetMsgList("bob", 1, R"({"msg_getmsglist_param_count":0})", cb, t); },
-       TIM_ERR_INVALID_PARAM},
-      {"history count string",
-       [=] { return TIMMsgGetMsgList("bob", 1, R"({"msg_getmsglist_param_count":"5"})", cb, t); },
-       TIM_ERR_INVALID_JSON},
-      {"read unknown conv", [=] { return TIMMsgReportReaded("nobody", 2, nullptr, cb, t); },
-       TIM_ERR_CONV_NOT_FOUND},
-      {"delete unknown conv", [=] { return TIMConvDelete("nobody", 1, cb, t); },
-       TIM_ERR_CONV_NOT_FOUND},
-      {"create conv type 9", [=] { return TIMConvCreate("bob", 9, cb, t); },
-       TIM_ERR_INVALID_CONV_TYPE},
-      {"download null path",
-       [=] {
-         return TIMMsgDownloadElemToPath(R"({"msg_download_elem_param_id":"x"})", nullptr, cb, t);
-       },
-       TIM_ERR_INVALID_PARAM},
-      {"download no id", [=] { return TIMMsgDownloadElemToPath("{}", "/tmp/x", cb, t); },
-       TIM_ERR_INVALID_PARAM},
-      {"add friend no id", [=] { return TIMFriendshipAddFriend("{}", cb, t); },
-       TIM_ERR_INVALID_PARAM},
-      {"add friend id number",
-       [=] {
-         return TIMFriendshipAddFriend(R"({"friendship_add_friend_param_identifier":1})", cb, t);
-       },
-       TIM_ERR_INVALID_JSON},
-      {"delete friend null", [=] { return TIMFriendshipDeleteFriend(nullptr, cb, t); },
-       TIM_ERR_INVALID_PARAM},
-      {"pendency type 7",
-       [=] {
-         return TIMFriendshipGetPendencyList(R"({"friendship_get_pendency_list_param_type":7})", cb,
-                                             t);
-       },
-       TIM_ERR_INVALID_PARAM},
-      {"profile ids not array",
-       [=] {
-         return TIMProfileGetUserProfileList(
-             R"({"friendship_getprofilelist_param_identifier_array":"bob"})", cb, t);
-       },
-       TIM_ERR_INVALID_JSON},
-      {"permission 9",
-       [=] {
-         return TIMProfileModifySelfUserProfile(R"({"user_profile_item_add_permission":9})", cb, t);
-       },
-       TIM_ERR_INVALID_PARAM},
-      {"group info not array", [=] { return TIMGroupGetGroupInfoList("{}", cb, t); },
-       TIM_ERR_INVALID_JSON},
-      {"group info ids numbers", [=] { return TIMGroupGetGroupInfoList("[1,2]", cb, t); },
-       TIM_ERR_INVALID_JSON},
-      {"group create no name", [=] { return TIMGroupCreate("{}", cb, t); }, TIM_ERR_INVALID_PARAM},
-      {"group delete null", [=] { return TIMGroupDelete(nullptr, cb, t); }, TIM_ERR_INVALID_PARAM},
-      {"group quit long", [=] { return TIMGroupQuit(kLongId.c_str(), cb, t); },
-       TIM_ERR_INVALID_PARAM},
-      {"group modify nothing",
-       [=] {
-         return TIMGroupModifyGroupInfo(R"({"group_modify_info_param_group_id":"g"})", cb, t);
-       },
-       TIM_ERR_INVALID_PARAM},
-      {"login while signed in", [=] { return TIMLogin("alice", "", cb, t); },
-       TIM_ERR_ALREADY_LOGGED_IN},
-      {"init twice", [=] { return TIMInit(1, nullptr); }, TIM_ERR_ALREADY_INITIALIZED},
-      {"config not json", [=] { return TIMSetConfig("nope", cb, t); }, TIM_ERR_INVALID_JSON},
+#define ROW(state, expected, call)              \
+  {                                             \
+    state, #call, [] { return call; }, expected \
+  }
+
+const BadCall kBadCalls[] = {
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMLogin("alice", "x", cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMLogout(cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMConvGetConvList(cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMConvCreate("a", 1, cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMMsgSendNewMsg(nullptr, 0, nullptr, cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMMsgGetMsgList("a", 1, "{}", cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMMsgDownloadElemToPath(nullptr, nullptr, cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMFriendshipAddFriend(nullptr, cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMFriendshipReportPendencyReaded(0, cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMGroupCreate(nullptr, cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMGroupQuit(nullptr, cb, t)),
+    ROW(kOff, TIM_ERR_NOT_INITIALIZED, TIMUninit()),
+    ROW(kOff, TIM_ERR_INVALID_JSON, TIMInit(1, "[1]")),
+    ROW(kOff, TIM_ERR_INVALID_JSON, TIMInit(1, R"({"sdk_config_log_file_path":3})")),
+    ROW(kOut, TIM_ERR_NOT_LOGGED_IN, TIMConvGetConvList(cb, t)),
+    ROW(kOut, TIM_ERR_NOT_LOGGED_IN, TIMMsgSendNewMsg("bob", 1, kText, cb, t)),
+    ROW(kOut, TIM_ERR_NOT_LOGGED_IN, TIMFriendshipGetFriendProfileList(cb, t)),
+    ROW(kOut, TIM_ERR_NOT_LOGGED_IN, TIMGroupGetJoinedGroupList(cb, t)),
+    ROW(kOut, TIM_ERR_NOT_LOGGED_IN, TIMLogout(cb, t)),
+    ROW(kOut, TIM_ERR_INVALID_PARAM, TIMLogin(nullptr, "x", cb, t)),
+    ROW(kOut, TIM_ERR_INVALID_PARAM, TIMLogin("alice", nullptr, cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMMsgSendNewMsg(nullptr, 1, "{}", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMMsgSendNewMsg("", 1, "{}", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMMsgSendNewMsg(kLongId.c_str(), 1, "{}", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_CONV_TYPE, TIMMsgSendNewMsg("bob", 0, "{}", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_CONV_TYPE, TIMMsgSendNewMsg("bob", 3, "{}", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMMsgSendNewMsg("bob", 1, nullptr, cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON, TIMMsgSendNewMsg("bob", 1, "{oops", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON, TIMMsgSendNewMsg("bob", 1, "[]", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON, TIMMsgSendNewMsg("bob", 1, "{}", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON,
+        TIMMsgSendNewMsg("bob", 1, R"({"message_elem_array":[{"elem_type":"0"}]})", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON,
+        TIMMsgSendNewMsg(
+            "bob", 1, R"({"message_elem_array":[{"elem_type":0,"text_elem_content":5}]})", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON,
+        TIMMsgSendNewMsg("bob", 1, R"({"message_elem_array":[{"elem_type":7}]})", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMMsgSendNewMsg("bob", 1, kHugeJson.c_str(), cb, t)),
+    ROW(kIn, TIM_ERR_CONV_NOT_FOUND,
+        TIMMsgGetMsgList("nobody", 1, R"({"msg_getmsglist_param_count":5})", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM,
+        TIMMsgGetMsgList("bob", 1, R"({"msg_getmsglist_param_count":0})", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON,
+        TIMMsgGetMsgList("bob", 1, R"({"msg_getmsglist_param_count":"5"})", cb, t)),
+    ROW(kIn, TIM_ERR_CONV_NOT_FOUND, TIMMsgReportReaded("nobody", 2, nullptr, cb, t)),
+    ROW(kIn, TIM_ERR_CONV_NOT_FOUND, TIMConvDelete("nobody", 1, cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_CONV_TYPE, TIMConvCreate("bob", 9, cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM,
+        TIMMsgDownloadElemToPath(R"({"msg_download_elem_param_id":"x"})", nullptr, cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMMsgDownloadElemToPath("{}", "/tmp/x", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMFriendshipAddFriend("{}", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON,
+        TIMFriendshipAddFriend(R"({"friendship_add_friend_param_identifier":1})", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMFriendshipDeleteFriend(nullptr, cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM,
+        TIMFriendshipGetPendencyList(R"({"friendship_get_pendency_list_param_type":7})", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON,
+        TIMProfileGetUserProfileList(
+            R"({"friendship_getprofilelist_param_identifier_array":"bob"})", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM,
+        TIMProfileModifySelfUserProfile(R"({"user_profile_item_add_permission":9})", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON, TIMGroupGetGroupInfoList("{}", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_JSON, TIMGroupGetGroupInfoList("[1,2]", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMGroupCreate("{}", cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMGroupDelete(nullptr, cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM, TIMGroupQuit(kLongId.c_str(), cb, t)),
+    ROW(kIn, TIM_ERR_INVALID_PARAM,
+        TIMGroupModifyGroupInfo(R"({"group_modify_info_param_group_id":"g"})", cb, t)),
+    ROW(kIn, TIM_ERR_ALREADY_LOGGED_IN, TIMLogin("alice", "", cb, t)),
+    ROW(kIn, TIM_ERR_ALREADY_LOGGED_IN, TIMLogin("bob", "sig", cb, t)),
+    ROW(kIn, TIM_ERR_ALREADY_INITIALIZED, TIMInit(1, nullptr)),
+    ROW(kIn, TIM_ERR_INVALID_JSON, TIMSetConfig("nope", cb, t)),
+};
+
+TEST_F(SdkTest, BadInputAndCallsOutOfOrderAreRefusedWithoutACallback) {
+  auto run = [](State state) {
+    for (const auto& c : kBadCalls) {
+      if (c.state != state) continue;
+      EXPECT_EQ(c.run(), c.expected) << c.call;
+    }
   };
-}
-
-TEST_F(SdkTest, BadInputIsRefusedWithoutACallback) {
-  SignIn("alice");
-  control.CreateAccount("bob", {"Bob", "", kTIMAddPermission_AllowAny, ""});
-  ASSERT_EQ(control.SendText("bob", kTIMConv_C2C, "alice", "hi"), 0);
-  rec.WaitFor("new_msg");
-  for (const auto& c : SignedInBadCalls()) EXPECT_EQ(c.call(), c.expected) << c.name;
-  ASSERT_EQ(TIMLogout(OnResult, Tag("logout")), TIM_SUCC);
-  EXPECT_EQ(rec.Count("result"), 2u);  // login and logout only
-}
-
-TEST_F(SdkTest, CallsThatNeedASessionAreRefusedBeforeLogin) {
-  void* t = Tag("early");
-  EXPECT_EQ(TIMConvGetConvList(OnResult, t), TIM_ERR_NOT_LOGGED_IN);
-  EXPECT_EQ(TIMMsgSendNewMsg("bob", 1, R"({"message_elem_array":[{"elem_type":0,
-      "text_elem_content":"x"}]})",
-                             OnResult, t),
-            TIM_ERR_NOT_LOGGED_IN);
-  EXPECT_EQ(TIMFriendshipGetFriendProfileList(OnResult, t), TIM_ERR_NOT_LOGGED_IN);
-  EXPECT_EQ(TIMGroupGetJoinedGroupList(OnResult, t), TIM_ERR_NOT_LOGGED_IN);
-  EXPECT_EQ(TIMLogout(OnResult, t), TIM_ERR_NOT_LOGGED_IN);
-  EXPECT_EQ(TIMLogin(nullptr, "x", OnResult, t), TIM_ERR_INVALID_PARAM);
-  EXPECT_EQ(TIMLogin("alice", nullptr, OnResult, t), TIM_ERR_INVALID_PARAM);
-}
-
-TEST_F(SdkTest, EverythingIsRefusedBeforeInitAndAfterUninit) {
   ASSERT_EQ(TIMUninit(), TIM_SUCC);
-  void* t = Tag("uninit");
-  const int n = TIM_ERR_NOT_INITIALIZED;
-  EXPECT_EQ(TIMLogin("alice", "x", OnResult, t), n);
-  EXPECT_EQ(TIMLogout(OnResult, t), n);
-  EXPECT_EQ(TIMConvGetConvList(OnResult, t), n);
-  EXPECT_EQ(TIMConvCreate("a", 1, OnResult, t), n);
-  EXPECT_EQ(TIMMsgSendNewMsg(nullptr, 0, nullptr, OnResult, t), n);
-  EXPECT_EQ(TIMMsgGetMsgList("a", 1, "{}", OnResult, t), n);
-  EXPECT_EQ(TIMMsgDownloadElemToPath(nullptr, nullptr, OnResult, t), n);
-  EXPECT_EQ(TIMFriendshipAddFriend(nullptr, OnResult, t), n);
-  EXPECT_EQ(TIMFriendshipReportPendencyReaded(0, OnResult, t), n);
-  EXPECT_EQ(TIMGroupCreate(nullptr, OnResult, t), n);
-  EXPECT_EQ(TIMGroupQuit(nullptr, OnResult, t), n);
-  EXPECT_EQ(TIMUninit(), n);
-  EXPECT_EQ(TIMInit(1, "[1]"), TIM_ERR_INVALID_JSON);
-  EXPECT_EQ(TIMInit(1, R"({"sdk_config_log_file_path":3})"), TIM_ERR_INVALID_JSON);
+  run(kOff);
   // Callback setters accept anything at any time, null included.
   TIMSetLogCallback(nullptr, nullptr);
   TIMAddRecvNewMsgCallback(nullptr, nullptr);
   TIMRemoveRecvNewMsgCallback(nullptr);
   ASSERT_EQ(TIMInit(1, nullptr), TIM_SUCC);
-  EXPECT_EQ(rec.Count("result"), 0u);
+  run(kOut);
+  SignIn("alice");
+  OpenAccount("bob", "Bob");
+  ASSERT_EQ(control.SendText("bob", kTIMConv_C2C, "alice", "hi"), 0);  // a conversation "bob"
+  rec.WaitFor("new_msg");
+  run(kIn);
+  ASSERT_EQ(TIMLogout(OnResult, Tag("logout")), TIM_SUCC);
+  EXPECT_EQ(rec.Count("result"), 2u);  // login and logout only
 }
 
-TEST_F(SdkTest, QueuedCallFailuresReturnTheirCodeOnce) {
+TEST_F(SdkTest, QueuedFailuresAnswerTheirCodeOnceAndChangeNothing) {
   SignIn("alice");
-  const char* functions[] = {"TIMConvGetConvList", "TIMLogout", "TIMFriendshipGetFriendProfileList",
-                             "TIMGroupGetJoinedGroupList"};
-  for (const char* f : functions) control.FailNextCall(f, 4242);
-  void* t = Tag("q");
-  EXPECT_EQ(TIMConvGetConvList(OnResult, t), 4242);
-  EXPECT_EQ(TIMFriendshipGetFriendProfileList(OnResult, t), 4242);
-  EXPECT_EQ(TIMGroupGetJoinedGroupList(OnResult, t), 4242);
-  EXPECT_EQ(TIMLogout(OnResult, t), 4242);
+  OpenAccount("bob", "Bob");
+  // Failures of the call itself: returned, not called back.
+  for (const char* f : {"TIMConvGetConvList", "TIMLogout", "TIMFriendshipGetFriendProfileList",
+                        "TIMGroupGetJoinedGroupList"})
+    control.FailNextCall(f, 4242);
+  EXPECT_EQ(TIMConvGetConvList(cb, t), 4242);
+  EXPECT_EQ(TIMFriendshipGetFriendProfileList(cb, t), 4242);
+  EXPECT_EQ(TIMGroupGetJoinedGroupList(cb, t), 4242);
+  EXPECT_EQ(TIMLogout(cb, t), 4242);
   EXPECT_EQ(control.SignedInAccount(), "alice");
-  EXPECT_EQ(TIMConvGetConvList(OnResult, Tag("ok")), TIM_SUCC);
-  EXPECT_EQ(rec.Result("ok").code, TIM_SUCC);
-}
-
-TEST_F(SdkTest, QueuedResultFailuresAnswerTheirCodeAndDoNothing) {
-  SignIn("alice");
-  control.CreateAccount("bob", {"Bob", "", kTIMAddPermission_AllowAny, ""});
-  struct Case {
+  EXPECT_EQ(Call("ok", TIMConvGetConvList).code, TIM_SUCC);
+  // Failures of the result: accepted, then answered with the code.
+  const struct {
     const char* function;
     std::function<int(void*)> call;
   } cases[] = {
-      {"TIMConvCreate", [](void* t) { return TIMConvCreate("bob", 1, OnResult, t); }},
+      {"TIMConvCreate", [](void* t) { return TIMConvCreate("bob", 1, cb, t); }},
       {"TIMFriendshipAddFriend",
        [](void* t) {
-         return TIMFriendshipAddFriend(R"({"friendship_add_friend_param_identifier":"bob"})",
-                                       OnResult, t);
+         return TIMFriendshipAddFriend(R"({"friendship_add_friend_param_identifier":"bob"})", cb,
+                                       t);
        }},
       {"TIMGroupCreate",
-       [](void* t) {
-         return TIMGroupCreate(R"({"create_group_param_group_name":"g"})", OnResult, t);
-       }},
-      {"TIMMsgSendNewMsg",
-       [](void* t) {
-         return TIMMsgSendNewMsg(
-             "bob", 1, R"({"message_elem_array":[{"elem_type":0,"text_elem_content":"x"}]})",
-             OnResult, t);
-       }},
+       [](void* t) { return TIMGroupCreate(R"({"create_group_param_group_name":"g"})", cb, t); }},
+      {"TIMMsgSendNewMsg", [](void* t) { return TIMMsgSendNewMsg("bob", 1, kText, cb, t); }},
   };
   for (const auto& c : cases) {
     control.FailNextResult(c.function, 8001);

@@ -75,18 +75,19 @@ std::string CreateParam(const std::string& id, const std::string& name,
   return Write(p);
 }
 
-std::string MembersParam(const char* prefix, const std::string& id,
+// {"<prefix>_group_id": id, "<prefix>_identifier_array": members}
+std::string MembersParam(const std::string& prefix, const std::string& id,
                          const std::vector<std::string>& members) {
   Json::Value p;
-  p[std::string(prefix) + "_group_id"] = id;
-  for (const auto& m : members) p[std::string(prefix) + "_identifier_array"].append(m);
+  p[prefix + "_group_id"] = id;
+  for (const auto& m : members) p[prefix + "_identifier_array"].append(m);
   return Write(p);
 }
 
-std::string ModifyParam(const std::string& id, const char* key, const std::string& value) {
+std::string ModifyParam(const std::string& id, const std::string& key, const std::string& value) {
   Json::Value p;
   p["group_modify_info_param_group_id"] = id;
-  p[std::string("group_modify_info_param_") + key] = value;
+  p["group_modify_info_param_" + key] = value;
   return Write(p);
 }
 
@@ -111,76 +112,45 @@ TEST_F(GroupObserverTest, EveryChangeIsReportedOnceBeforeTheCallReturns) {
   Observe();
   const std::string inv = "group_invite_member_param";
   const std::string del = "group_delete_member_param";
+  using CCall = int (*)(const char*, TIMCommCallback, void*);
   const struct {
-    const char* tag;  // the C call's result tag; "" for control
-    std::function<int()> act;
     std::vector<std::string> lines;
+    std::function<void()> control;  // runs first, when set
+    CCall call = nullptr;           // then the C call with `param`, when set
+    std::string param = {};
   } cases[] = {
-      {"create",
-       [&] {
-         return TIMGroupCreate(CreateParam("g1", "D", {"bob"}).c_str(), OnResult, Tag("create"));
-       },
-       {"created g1 D alice alice,bob"}},
-      {"rename",
-       [&] {
-         return TIMGroupModifyGroupInfo(ModifyParam("g1", "group_name", "D2").c_str(), OnResult,
-                                        Tag("rename"));
-       },
-       {"renamed g1 D2"}},
-      {"invite",
-       [&] {
-         return TIMGroupInviteMember(
-             MembersParam(inv.c_str(), "g1", {"carol", "bob", "ghost"}).c_str(), OnResult,
-             Tag("invite"));
-       },
-       {"joined g1 carol"}},
-      {"invite nobody new",
-       [&] {
-         return TIMGroupInviteMember(MembersParam(inv.c_str(), "g1", {"bob"}).c_str(), OnResult,
-                                     Tag("invite nobody new"));
-       },
-       {}},
-      {"kick",
-       [&] {
-         return TIMGroupDeleteMember(MembersParam(del.c_str(), "g1", {"carol"}).c_str(), OnResult,
-                                     Tag("kick"));
-       },
-       {"left g1 carol"}},
-      {"quit refused",
-       [&] {
-         control.FailNextResult("TIMGroupQuit", TIM_ERR_NETWORK);
-         return TIMGroupQuit("g1", OnResult, Tag("quit refused"));
-       },
-       {}},
-      {"owner",
-       [&] {
-         return TIMGroupModifyGroupInfo(ModifyParam("g1", "owner", "bob").c_str(), OnResult,
-                                        Tag("owner"));
-       },
-       {"owner g1 bob"}},
-      {"disband by a member",
-       [&] { return TIMGroupDelete("g1", OnResult, Tag("disband by a member")); },
-       {}},
-      {"quit", [&] { return TIMGroupQuit("g1", OnResult, Tag("quit")); }, {"left g1 alice"}},
-      {"", [&] { return control.DisbandGroup("bob", "g1"); }, {"dismissed g1"}},
-      {"",
-       [&] { return control.CreateGroup("bob", "T", {"carol"}, "g2").empty() ? 1 : 0; },
-       {"created g2 T bob bob,carol"}},
-      {"", [&] { return control.AddGroupMembers("carol", "g2", {"alice"}); }, {"joined g2 alice"}},
-      {"", [&] { return control.RenameGroup("alice", "g2", "T2"); }, {"renamed g2 T2"}},
-      {"", [&] { return control.TransferGroupOwner("bob", "g2", "carol"); }, {"owner g2 carol"}},
-      {"", [&] { return control.RemoveGroupMembers("carol", "g2", {"bob"}); }, {"left g2 bob"}},
-      {"", [&] { return control.QuitGroup("alice", "g2"); }, {"left g2 alice"}},
-      {"", [&] { return control.RemoveGroupMembers("alice", "g2", {"carol"}); }, {}},
+      {{"created g1 D alice alice,bob"}, {}, TIMGroupCreate, CreateParam("g1", "D", {"bob"})},
+      {{"renamed g1 D2"}, {}, TIMGroupModifyGroupInfo, ModifyParam("g1", "group_name", "D2")},
+      {{"joined g1 carol"},
+       {},
+       TIMGroupInviteMember,
+       MembersParam(inv, "g1", {"carol", "bob", "ghost"})},
+      {{}, {}, TIMGroupInviteMember, MembersParam(inv, "g1", {"bob"})},  // nobody new
+      {{"left g1 carol"}, {}, TIMGroupDeleteMember, MembersParam(del, "g1", {"carol"})},
+      {{}, [&] { control.FailNextResult("TIMGroupQuit", TIM_ERR_NETWORK); }, TIMGroupQuit, "g1"},
+      {{"owner g1 bob"}, {}, TIMGroupModifyGroupInfo, ModifyParam("g1", "owner", "bob")},
+      {{}, {}, TIMGroupDelete, "g1"},  // a member may not disband
+      {{"left g1 alice"}, {}, TIMGroupQuit, "g1"},
+      {{"dismissed g1"}, [&] { control.DisbandGroup("bob", "g1"); }},
+      {{"created g2 T bob bob,carol"}, [&] { control.CreateGroup("bob", "T", {"carol"}, "g2"); }},
+      {{"joined g2 alice"}, [&] { control.AddGroupMembers("carol", "g2", {"alice"}); }},
+      {{"renamed g2 T2"}, [&] { control.RenameGroup("alice", "g2", "T2"); }},
+      {{"owner g2 carol"}, [&] { control.TransferGroupOwner("bob", "g2", "carol"); }},
+      {{"left g2 bob"}, [&] { control.RemoveGroupMembers("carol", "g2", {"bob"}); }},
+      {{"left g2 alice"}, [&] { control.QuitGroup("alice", "g2"); }},
+      {{}, [&] { control.RemoveGroupMembers("alice", "g2", {"carol"}); }},  // no longer a member
   };
+  int step = 0;
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.lines.empty() ? std::string(c.tag) : c.lines[0]);
+    SCOPED_TRACE("step " + std::to_string(step));
+    const std::string tag = "step " + std::to_string(step++);
     const size_t before = observer.Count();
-    c.act();
+    if (c.control) c.control();
+    if (c.call) c.call(c.param.c_str(), OnResult, Tag(tag));
     // Already there when the call returns, on the calling thread.
     std::vector<std::string> lines = observer.Lines();
     EXPECT_EQ(std::vector<std::string>(lines.begin() + before, lines.end()), c.lines);
-    if (*c.tag != '\0') rec.Result(c.tag);
+    if (c.call) rec.Result(tag);
   }
   for (std::thread::id thread : observer.Threads()) EXPECT_EQ(thread, std::this_thread::get_id());
 }

@@ -1,15 +1,10 @@
 // World persistence and the scripted answering peer.
-#include <cstdlib>
 #include <fstream>
 
 #include "tests/imsdk/sdk_fixture.h"
 
 namespace imsdk_test {
 namespace {
-
-std::string Scratch(const std::string& name) {
-  return std::string(std::getenv("XDG_RUNTIME_DIR")) + "/" + name;
-}
 
 TEST_F(SdkTest, WorldSurvivesSaveAndLoad) {
   control.CreateAccount("bob", {"Bob", "", kTIMAddPermission_AllowAny, "s"});
@@ -32,26 +27,20 @@ TEST_F(SdkTest, WorldSurvivesSaveAndLoad) {
 
 TEST_F(SdkTest, CorruptWorldFileIsRefusedAndTheWorldKept) {
   control.CreateAccount("keep");
-  struct Case {
-    const char* name;
-    std::string text;
-  } cases[] = {
-      {"not json", "{"},
-      {"other format", R"({"format":"x","version":1})"},
-      {"truncated account",
-       R"({"format":"imsdk-world","version":1,"next_message_id":1,"next_group_number":1,
-           "next_file_number":1,"activity":0,"accounts":[{"id":"a"}],"groups":[],"files":[]})"},
-      {"bad file data",
-       R"({"format":"imsdk-world","version":1,"next_message_id":1,"next_group_number":1,
-           "next_file_number":1,"activity":0,"accounts":[],"groups":[],
-           "files":[{"id":"f","name":"n","data":"@@@"}]})"},
+  const std::string head = R"({"format":"imsdk-world","version":1,"next_message_id":1,
+      "next_group_number":1,"next_file_number":1,"activity":0,"groups":[],)";
+  const std::string cases[] = {
+      "{",
+      R"({"format":"x","version":1})",
+      head + R"("accounts":[{"id":"a"}],"files":[]})",  // truncated account
+      head + R"("accounts":[],"files":[{"id":"f","name":"n","data":"@@@"}]})",
   };
-  for (const auto& c : cases) {
+  for (const auto& text : cases) {
     std::string path = Scratch("corrupt.json");
-    std::ofstream(path) << c.text;
+    std::ofstream(path) << text;
     std::string error = control.Load(path);
-    EXPECT_NE(error.find("corrupt"), std::string::npos) << c.name << ": " << error;
-    EXPECT_TRUE(control.HasAccount("keep")) << c.name;
+    EXPECT_NE(error.find("corrupt"), std::string::npos) << text << ": " << error;
+    EXPECT_TRUE(control.HasAccount("keep")) << text;
   }
   EXPECT_NE(control.Load(Scratch("absent.json")), "");
 }
@@ -67,43 +56,32 @@ TEST_F(SdkTest, AutoSaveWritesAfterEveryChange) {
   control.SetAutoSave("");
 }
 
-TEST_F(SdkTest, ScriptedPeerAnswersEachText) {
-  control.CreateAccount("echo", {"Echo", "", kTIMAddPermission_AllowAny, ""});
-  ASSERT_TRUE(control.SetAutoReply("echo", 20, "收到："));
-  SignIn("alice");
-  ASSERT_EQ(TIMMsgSendNewMsg(
-                "echo", 1, R"({"message_elem_array":[{"elem_type":0,"text_elem_content":"你好"}]})",
-                OnResult, Tag("send")),
-            TIM_SUCC);
-  Json::Value reply = Parse(rec.WaitFor("new_msg")[0].json)[0];
-  EXPECT_EQ(reply["message_sender"].asString(), "echo");
-  EXPECT_EQ(reply["message_elem_array"][0]["text_elem_content"].asString(), "收到：你好");
-}
-
-TEST_F(SdkTest, ScriptedPeerAnswersSharedChatContentButNotOtherPayloads) {
-  control.CreateAccount("echo", {"Echo", "", kTIMAddPermission_AllowAny, ""});
+TEST_F(SdkTest, ScriptedPeerAnswersTextsAndSharedChatContentOnly) {
+  OpenAccount("echo", "Echo");
   ASSERT_TRUE(control.SetAutoReply("echo", 0, "收到："));
   SignIn("alice");
   auto send_custom = [&](const std::string& payload, const char* tag) {
     Json::Value msg;
     msg["message_elem_array"][0]["elem_type"] = 3;
     msg["message_elem_array"][0]["custom_elem_data"] = payload;
-    ASSERT_EQ(
-        TIMMsgSendNewMsg("echo", 1, Json::writeString(Json::StreamWriterBuilder(), msg).c_str(),
-                         OnResult, Tag(tag)),
-        TIM_SUCC);
-    rec.Result(tag);
+    Call(tag, TIMMsgSendNewMsg, "echo", 1, Write(msg).c_str());
   };
   // A sync instruction, a payload that is not JSON and one with the wrong
-  // shape get no answer; the shared-chat message does.
+  // shape get no answer; the shared-chat message and the text do.
   send_custom(R"({"msgType":3,"data":{"subType":0,"content":"x"}})", "sync");
   send_custom("not json", "garbage");
   send_custom(R"({"msgType":"2","data":[1]})", "odd");
   send_custom(R"({"msgType":2,"data":{"content":"看图"}})", "chat");
-  std::vector<Record> replies = rec.WaitFor("new_msg");
-  ASSERT_EQ(replies.size(), 1u);
-  EXPECT_EQ(Parse(replies[0].json)[0]["message_elem_array"][0]["text_elem_content"].asString(),
-            "收到：看图");
+  ASSERT_TRUE(control.SetAutoReply("echo", 20, "收到："));  // the delayed path
+  Call("text", TIMMsgSendNewMsg, "echo", 1, TextMsg("你好").c_str());
+  std::vector<Record> replies = rec.WaitFor("new_msg", 2);
+  ASSERT_EQ(replies.size(), 2u);
+  const char* expected[] = {"收到：看图", "收到：你好"};
+  for (size_t i = 0; i < 2; ++i) {
+    Json::Value reply = Parse(replies[i].json)[0];
+    EXPECT_EQ(reply["message_sender"].asString(), "echo");
+    EXPECT_EQ(reply["message_elem_array"][0]["text_elem_content"].asString(), expected[i]);
+  }
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 // The engine's JSON read back with the module's record parsers.
-#include <cstdlib>
 #include <fstream>
 
 #include "platform/strings.h"
@@ -25,7 +24,7 @@ class RecordsParseTest : public SdkTest {
 };
 
 TEST_F(RecordsParseTest, MessagesConversationsFriendsPendenciesAndTips) {
-  std::string doc = std::string(std::getenv("XDG_RUNTIME_DIR")) + "/plan.dwg";
+  std::string doc = Scratch("plan.dwg");
   std::ofstream(doc, std::ios::binary) << std::string(777, 'x');
   uint64_t text_id = 0;
   ASSERT_EQ(control.SendText("bob", 1, "alice", "你好", &text_id), 0);
@@ -45,28 +44,27 @@ TEST_F(RecordsParseTest, MessagesConversationsFriendsPendenciesAndTips) {
   EXPECT_EQ(messages[0].elems[0].file_name, W("plan.dwg"));
   EXPECT_EQ(messages[0].elems[0].file_size, 777);
 
-  ASSERT_EQ(TIMConvGetConvList(OnResult, Tag("convs")), 0);
   std::vector<ConversationInfo_Stru> convs;
-  ASSERT_TRUE(records::ParseConversationArray(rec.Result("convs").json, convs));
+  ASSERT_TRUE(records::ParseConversationArray(Call("convs", TIMConvGetConvList).json, convs));
   ASSERT_EQ(convs.size(), 1u);
   EXPECT_EQ(convs[0].owner, W("alice"));
   EXPECT_EQ(convs[0].unread_num, 2u);
   EXPECT_EQ(convs[0].last_msg.elems[0].file_name, W("plan.dwg"));
 
-  ASSERT_EQ(TIMFriendshipGetFriendProfileList(OnResult, Tag("friends")), 0);
   std::vector<FriendsList_Stru> friends;
-  ASSERT_TRUE(records::ParseFriendArray(rec.Result("friends").json, friends));
+  ASSERT_TRUE(
+      records::ParseFriendArray(Call("friends", TIMFriendshipGetFriendProfileList).json, friends));
   ASSERT_EQ(friends.size(), 1u);
   EXPECT_EQ(friends[0].profile.face_url, W("http://f/b"));
 
   control.UpdateProfile("alice", {"alice", "", kTIMAddPermission_NeedConfirm, ""});
   control.CreateAccount("carol", {"Carol", "", kTIMAddPermission_NeedConfirm, ""});
   control.RequestFriend("carol", "alice", "hi");
-  ASSERT_EQ(TIMFriendshipGetPendencyList(R"({"friendship_get_pendency_list_param_type":0})",
-                                         OnResult, Tag("pend")),
-            0);
   PendencyPage page;
-  ASSERT_TRUE(records::ParsePendencyPage(Parse(rec.Result("pend").json), page));
+  ASSERT_TRUE(
+      records::ParsePendencyPage(CallJson("pend", TIMFriendshipGetPendencyList,
+                                          R"({"friendship_get_pendency_list_param_type":0})"),
+                                 page));
   ASSERT_EQ(page.pendencies.size(), 1u);
   EXPECT_EQ(page.pendencies[0].identifier, W("carol"));
   EXPECT_EQ(page.pendencies[0].nick_name, W("Carol"));

@@ -1,6 +1,7 @@
 #include "tests/imsdk/sdk_fixture.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <set>
 
 namespace imsdk_test {
@@ -120,6 +121,17 @@ std::string Write(const Json::Value& value) {
   return Json::writeString(b, value);
 }
 
+std::string Scratch(const std::string& name) {
+  return std::string(std::getenv("XDG_RUNTIME_DIR")) + "/" + name;
+}
+
+std::string TextMsg(const std::string& text) {
+  Json::Value msg;
+  msg["message_elem_array"][0]["elem_type"] = 0;
+  msg["message_elem_array"][0]["text_elem_content"] = text;
+  return Write(msg);
+}
+
 void SdkTest::SetUp() {
   control.Reset();
   rec.Clear();
@@ -132,9 +144,12 @@ void SdkTest::TearDown() {
   control.Reset();
 }
 
+void SdkTest::OpenAccount(const std::string& id, const std::string& nick) {
+  control.CreateAccount(id, {nick, "", kTIMAddPermission_AllowAny, ""});
+}
+
 void SdkTest::SignIn(const std::string& id) {
-  // Open to anyone, so that tests can message it without making friends first.
-  control.CreateAccount(id, {"", "", kTIMAddPermission_AllowAny, ""});
+  OpenAccount(id);
   ASSERT_EQ(TIMLogin(id.c_str(), "sig", OnResult, Tag("login " + id)), TIM_SUCC);
   ASSERT_EQ(rec.Result("login " + id).code, TIM_SUCC);
 }

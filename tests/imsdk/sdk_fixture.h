@@ -51,15 +51,30 @@ void* Tag(const std::string& tag);
 void RegisterAllCallbacks();
 Json::Value Parse(const std::string& text);
 std::string Write(const Json::Value& value);
+// A path in this test process's scratch folder.
+std::string Scratch(const std::string& name);
+// A message with one text element.
+std::string TextMsg(const std::string& text);
 
 class SdkTest : public ::testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
-  // Signs in `id` (created when missing) and waits for the result.
+  // An account anyone may message and befriend without confirmation.
+  void OpenAccount(const std::string& id, const std::string& nick = "");
+  // Signs in `id` (created open when missing) and waits for the result.
   void SignIn(const std::string& id);
   // Calls, expects acceptance, waits for the result.
   Record Request(const std::string& tag, int rc);
+  // fn(args..., OnResult, Tag(tag)) through Request.
+  template <typename F, typename... A>
+  Record Call(const std::string& tag, F fn, A... args) {
+    return Request(tag, fn(args..., OnResult, Tag(tag)));
+  }
+  template <typename F, typename... A>
+  Json::Value CallJson(const std::string& tag, F fn, A... args) {
+    return Parse(Call(tag, fn, args...).json);
+  }
   imsdk::EngineControl& control = imsdk::EngineControl::Instance();
   Recorder& rec = GetRecorder();
 };
