@@ -61,10 +61,8 @@ TEST_F(SdkTest, ScriptedPeerAnswersTextsAndSharedChatContentOnly) {
   ASSERT_TRUE(control.SetAutoReply("echo", 0, "收到："));
   SignIn("alice");
   auto send_custom = [&](const std::string& payload, const char* tag) {
-    Json::Value msg;
-    msg["message_elem_array"][0]["elem_type"] = 3;
-    msg["message_elem_array"][0]["custom_elem_data"] = payload;
-    Call(tag, TIMMsgSendNewMsg, "echo", 1, Write(msg).c_str());
+    Call(tag, TIMMsgSendNewMsg, "echo", 1,
+         Msg(kTIMElem_Custom, "custom_elem_data", payload).c_str());
   };
   // A sync instruction, a payload that is not JSON and one with the wrong
   // shape get no answer; the shared-chat message and the text do.

@@ -83,13 +83,8 @@ void RegisterAllCallbacks() {
   TIMSetMsgReadedReceiptCallback([](const char* j, void*) { Text("receipt", j); }, nullptr);
   TIMSetMsgRevokeCallback([](const char* j, void*) { Text("revoke", j); }, nullptr);
   TIMSetMsgElemUploadProgressCallback(
-      [](const char* j, uint32_t index, uint32_t cur, uint32_t total, void*) {
-        Json::Value v;
-        v["msg"] = j;
-        v["index"] = index;
-        v["cur"] = cur;
-        v["total"] = total;
-        Text("upload", Write(v).c_str());
+      [](const char*, uint32_t, uint32_t cur, uint32_t total, void*) {
+        Text("upload", (std::to_string(cur) + "/" + std::to_string(total)).c_str());
       },
       nullptr);
   TIMSetGroupTipsEventCallback([](const char* j, void*) { Text("group_tips", j); }, nullptr);
@@ -125,10 +120,10 @@ std::string Scratch(const std::string& name) {
   return std::string(std::getenv("XDG_RUNTIME_DIR")) + "/" + name;
 }
 
-std::string TextMsg(const std::string& text) {
+std::string Msg(int elem_type, const std::string& key, const std::string& value) {
   Json::Value msg;
-  msg["message_elem_array"][0]["elem_type"] = 0;
-  msg["message_elem_array"][0]["text_elem_content"] = text;
+  msg["message_elem_array"][0]["elem_type"] = elem_type;
+  msg["message_elem_array"][0][key] = value;
   return Write(msg);
 }
 
@@ -150,8 +145,7 @@ void SdkTest::OpenAccount(const std::string& id, const std::string& nick) {
 
 void SdkTest::SignIn(const std::string& id) {
   OpenAccount(id);
-  ASSERT_EQ(TIMLogin(id.c_str(), "sig", OnResult, Tag("login " + id)), TIM_SUCC);
-  ASSERT_EQ(rec.Result("login " + id).code, TIM_SUCC);
+  ASSERT_EQ(Call("login " + id, TIMLogin, id.c_str(), "sig").code, TIM_SUCC);
 }
 
 Record SdkTest::Request(const std::string& tag, int rc) {

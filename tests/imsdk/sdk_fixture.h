@@ -53,8 +53,11 @@ Json::Value Parse(const std::string& text);
 std::string Write(const Json::Value& value);
 // A path in this test process's scratch folder.
 std::string Scratch(const std::string& name);
-// A message with one text element.
-std::string TextMsg(const std::string& text);
+// A message with one element of `elem_type` whose `key` is `value`.
+std::string Msg(int elem_type, const std::string& key, const std::string& value);
+inline std::string TextMsg(const std::string& text) {
+  return Msg(kTIMElem_Text, "text_elem_content", text);
+}
 
 class SdkTest : public ::testing::Test {
  protected:
