@@ -1,18 +1,11 @@
 // Conversations, sending and receiving, history, read reports, files.
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 #include "tests/imsdk/sdk_fixture.h"
 
 namespace imsdk_test {
 namespace {
-
-std::string ReadAll(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
 
 std::string TextOf(const Json::Value& msg) {
   return msg["message_elem_array"][0]["text_elem_content"].asString();
@@ -192,7 +185,8 @@ TEST_F(MessagingTest, FilesUploadWithProgressAndDownloadWithSizes) {
   ASSERT_EQ(dl.code, 0);
   EXPECT_EQ(Parse(dl.json)["msg_download_elem_result_current_size"].asUInt64(), 12345u);
   EXPECT_EQ(Parse(dl.json)["msg_download_elem_result_total_size"].asUInt64(), 12345u);
-  EXPECT_EQ(ReadAll(target), std::string(12345, 'd'));
+  std::ifstream written(target, std::ios::binary);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}), std::string(12345, 'd'));
   EXPECT_EQ(download("no dir", "/no/such/dir/x").code, TIM_ERR_FILE);
   param["msg_download_elem_param_id"] = "file-999";
   EXPECT_EQ(download("no file", target).code, TIM_ERR_FILE_NOT_FOUND);
