@@ -145,6 +145,8 @@ TEST_F(SdkTest, ConfigSetBeforeInitIsAnsweredOnceTheSdkRunsAndFiltersLogLines) {
   rec.Clear();
   SignIn("alice");  // its info line (level 2) stays below level 3
   EXPECT_EQ(rec.Count("log"), 0u);
+  Json::Value later = CallJson("later", TIMSetConfig, R"({"set_config_user_define_data":"2"})");
+  EXPECT_EQ(later["set_config_user_define_data"].asString(), "2");
 }
 
 TEST_F(SdkTest, CallLogHasOneLinePerCallAndCallback) {
