@@ -106,10 +106,6 @@ class GroupServiceTest : public ServiceTest {
     const auto& before = changes.back().hostCallsBefore;
     return std::find(before.begin(), before.end(), hostCall) != before.end();
   }
-  std::vector<Box> BoxesSince(size_t count) const {
-    std::vector<Box> boxes = window.Boxes();
-    return std::vector<Box>(boxes.begin() + static_cast<std::ptrdiff_t>(count), boxes.end());
-  }
   int32_t CloudIdOf(const std::string& imGroupId) const {
     auto group = host_.FindGroup(platform::Utf8ToUtf16(imGroupId));
     return group ? group->cloudGroupId : -1;
@@ -121,184 +117,71 @@ class GroupServiceTest : public ServiceTest {
       std::make_unique<host::local::EngineGroupLink>(mirror_);
 };
 
+std::string Joined(const std::vector<std::string>& ids) {
+  std::string out;
+  for (const std::string& id : ids) out += (out.empty() ? "" : " ") + id;
+  return out;
+}
+
 TEST_F(GroupServiceTest, GroupActionsAskTheHostFirstAndFollowOnlyOnSuccess) {
+  using A = GroupAction;
+  using R = GroupActionResult;
   const char16_t* const kNotOwner = u"非管理员不能删除群成员！！！";
   const struct {
-    const char* name;
-    GroupAction action;
+    A action;
     const char* owner;
-    std::vector<int32_t> members;
+    int32_t member;       // 0: none
     const char* failing;  // host operation made to fail
-    GroupActionResult result;
-    Box box;               // empty title: no box
-    const char* hostCall;  // the host call the chat side followed
+    R result;
+    const char16_t* boxTitle;  // nullptr: no box
+    const char16_t* boxText;
+    const char* hostCall;  // the host call the engine change followed
     const char* change;    // the engine change that followed, "" none
-    std::vector<std::string> membersAfter;
+    const char* membersAfter;
   } cases[] = {
-      {"remove",
-       GroupAction::kRemoveMembers,
-       "10001",
-       {10003},
-       "",
-       GroupActionResult::kDone,
-       {},
-       "RemoveGroupMembers",
-       "left",
-       {"10001", "10002"}},
-      {"remove, not owner",
-       GroupAction::kRemoveMembers,
-       "10002",
-       {10003},
-       "",
-       GroupActionResult::kNotOwner,
-       {{}, u"提示", kNotOwner},
-       "",
-       "",
-       {"10002", "10001", "10003"}},
-      {"remove, host fails",
-       GroupAction::kRemoveMembers,
-       "10001",
-       {10003},
-       "RemoveGroupMembers",
-       GroupActionResult::kHostFailed,
-       {{}, u"错误", u"删除群成员失败！！！"},
-       "",
-       "",
-       {"10001", "10002", "10003"}},
-      {"remove, role unknown",
-       GroupAction::kRemoveMembers,
-       "10001",
-       {10003},
-       "GetGroupRole",
-       GroupActionResult::kRoleQueryFailed,
-       {{}, u"错误", u"查询群角色失败！！！"},
-       "",
-       "",
-       {"10001", "10002", "10003"}},
-      {"leave",
-       GroupAction::kLeave,
-       "10002",
-       {10001},
-       "",
-       GroupActionResult::kDone,
-       {},
-       "RemoveGroupMembers",
-       "left",
-       {"10002", "10003"}},
-      {"leave, host fails",
-       GroupAction::kLeave,
-       "10002",
-       {10001},
-       "RemoveGroupMembers",
-       GroupActionResult::kHostFailed,
-       {{}, u"错误", u"退群失败！！！"},
-       "",
-       "",
-       {"10002", "10001", "10003"}},
-      {"leave, group unknown",
-       GroupAction::kLeave,
-       "10002",
-       {10001},
-       "GetGroupMembers",
-       GroupActionResult::kGroupQueryFailed,
-       {{}, u"错误", u"查询群信息失败！！！"},
-       "",
-       "",
-       {"10002", "10001", "10003"}},
-      {"disband",
-       GroupAction::kDisband,
-       "10001",
-       {},
-       "",
-       GroupActionResult::kDone,
-       {},
-       "DisbandCloudGroup",
-       "dismissed",
-       {}},
-      {"disband, not owner",
-       GroupAction::kDisband,
-       "10002",
-       {},
-       "",
-       GroupActionResult::kNotOwner,
-       {{}, u"提示", kNotOwner},
-       "",
-       "",
-       {"10002", "10001", "10003"}},
-      {"disband, host fails",
-       GroupAction::kDisband,
-       "10001",
-       {},
-       "DisbandCloudGroup",
-       GroupActionResult::kHostFailed,
-       {{}, u"错误", u"解散群组失败！！！"},
-       "",
-       "",
-       {"10001", "10002", "10003"}},
-      {"add",
-       GroupAction::kAddMembers,
-       "10002",
-       {10003},
-       "",
-       GroupActionResult::kDone,
-       {},
-       "AddGroupMembers",
-       "joined",
-       {"10002", "10001", "10003"}},
-      {"add, host fails",
-       GroupAction::kAddMembers,
-       "10002",
-       {10003},
-       "AddGroupMembers",
-       GroupActionResult::kHostFailed,
-       {{}, u"错误", u"添加群成员失败!"},
-       "",
-       "",
-       {"10002", "10001"}},
-      {"add, group unknown",
-       GroupAction::kAddMembers,
-       "10002",
-       {10003},
-       "GetGroupMembers",
-       GroupActionResult::kGroupQueryFailed,
-       {{}, u"查询群信息", u"查询群信息失败!"},
-       "",
-       "",
-       {"10002", "10001"}},
-      {"rename",
-       GroupAction::kRename,
-       "10001",
-       {},
-       "",
-       GroupActionResult::kDone,
-       {},
-       "RenameGroup",
-       "renamed",
-       {"10001", "10002", "10003"}},
-      {"rename, host fails",
-       GroupAction::kRename,
-       "10001",
-       {},
-       "RenameGroup",
-       GroupActionResult::kHostFailed,
-       {{}, u"错误", u"设置群名称失败！！！"},
-       "",
-       "",
-       {"10001", "10002", "10003"}},
+      {A::kRemoveMembers, "10001", 10003, "", R::kDone, nullptr, nullptr, "RemoveGroupMembers",
+       "left", "10001 10002"},
+      {A::kRemoveMembers, "10002", 10003, "", R::kNotOwner, u"提示", kNotOwner, "", "",
+       "10002 10001 10003"},
+      {A::kRemoveMembers, "10001", 10003, "RemoveGroupMembers", R::kHostFailed, u"错误",
+       u"删除群成员失败！！！", "", "", "10001 10002 10003"},
+      {A::kRemoveMembers, "10001", 10003, "GetGroupRole", R::kRoleQueryFailed, u"错误",
+       u"查询群角色失败！！！", "", "", "10001 10002 10003"},
+      {A::kLeave, "10002", 10001, "", R::kDone, nullptr, nullptr, "RemoveGroupMembers", "left",
+       "10002 10003"},
+      {A::kLeave, "10002", 10001, "RemoveGroupMembers", R::kHostFailed, u"错误", u"退群失败！！！",
+       "", "", "10002 10001 10003"},
+      {A::kLeave, "10002", 10001, "GetGroupMembers", R::kGroupQueryFailed, u"错误",
+       u"查询群信息失败！！！", "", "", "10002 10001 10003"},
+      {A::kDisband, "10001", 0, "", R::kDone, nullptr, nullptr, "DisbandCloudGroup", "dismissed",
+       ""},
+      {A::kDisband, "10002", 0, "", R::kNotOwner, u"提示", kNotOwner, "", "", "10002 10001 10003"},
+      {A::kDisband, "10001", 0, "DisbandCloudGroup", R::kHostFailed, u"错误", u"解散群组失败！！！",
+       "", "", "10001 10002 10003"},
+      {A::kAddMembers, "10002", 10003, "", R::kDone, nullptr, nullptr, "AddGroupMembers", "joined",
+       "10002 10001 10003"},
+      {A::kAddMembers, "10002", 10003, "AddGroupMembers", R::kHostFailed, u"错误",
+       u"添加群成员失败!", "", "", "10002 10001"},
+      {A::kAddMembers, "10002", 10003, "GetGroupMembers", R::kGroupQueryFailed, u"查询群信息",
+       u"查询群信息失败!", "", "", "10002 10001"},
+      {A::kRename, "10001", 0, "", R::kDone, nullptr, nullptr, "RenameGroup", "renamed",
+       "10001 10002 10003"},
+      {A::kRename, "10001", 0, "RenameGroup", R::kHostFailed, u"错误", u"设置群名称失败！！！", "",
+       "", "10001 10002 10003"},
   };
   ASSERT_TRUE(SignIn());
   int n = 0;
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
     const std::string groupId = "g" + std::to_string(++n);
+    SCOPED_TRACE(groupId);
     std::vector<std::string> others;
     for (const char* id : {"10001", "10002", "10003"}) {
-      const bool addedLater = c.action == GroupAction::kAddMembers && std::string(id) == "10003";
+      const bool addedLater = c.action == A::kAddMembers && std::string(id) == "10003";
       if (id != std::string(c.owner) && !addedLater) others.push_back(id);
     }
     ASSERT_EQ(engine.CreateGroup(c.owner, "G", others, groupId), groupId);
-    ASSERT_TRUE(host_.FindGroup(platform::Utf8ToUtf16(groupId)));  // through the link
     const WString wideId = platform::Utf8ToUtf16(groupId);
+    ASSERT_TRUE(host_.FindGroup(wideId));  // through the link
     ASSERT_TRUE(PumpUntil([&] { return tools->IsJoinedGroup(wideId); }));
     host_.ClearCalls();
     if (*c.failing != '\0') host_.FailOperation(c.failing);
@@ -307,32 +190,27 @@ TEST_F(GroupServiceTest, GroupActionsAskTheHostFirstAndFollowOnlyOnSuccess) {
 
     host::GroupActionRequest request;
     request.action = c.action;
-    request.imGroupId = platform::Utf8ToUtf16(groupId);
-    for (int32_t id : c.members) request.members.push_back(Member(id));
+    request.imGroupId = wideId;
+    if (c.member != 0) request.members.push_back(Member(c.member));
     request.newName = u"新名字";
     EXPECT_EQ(tools->RunGroupAction(request, "test "), c.result);
     if (*c.failing != '\0') host_.FailOperation(c.failing, false);
 
     const auto changes = mirror_.Changes();
-    if (*c.change == '\0') {
-      EXPECT_EQ(changes.size(), changesBefore);
-    } else {
-      ASSERT_EQ(changes.size(), changesBefore + 1);
+    ASSERT_EQ(changes.size(), changesBefore + (*c.change == '\0' ? 0 : 1));
+    if (*c.change != '\0') {
       EXPECT_EQ(changes.back().kind, c.change);
       EXPECT_TRUE(LastChangeFollowed(c.hostCall));
     }
-    EXPECT_EQ(engine.GroupMembers(groupId), c.membersAfter);
-    if (c.membersAfter.empty() ||
-        (c.action == GroupAction::kLeave && c.result == GroupActionResult::kDone)) {
+    EXPECT_EQ(Joined(engine.GroupMembers(groupId)), c.membersAfter);
+    if (*c.membersAfter == '\0' || (c.action == A::kLeave && c.result == R::kDone)) {
       EXPECT_TRUE(PumpUntil([&] { return !tools->IsJoinedGroup(wideId); }));
     }
-    std::vector<Box> boxes = BoxesSince(boxesBefore);
-    if (c.box.title.empty()) {
-      EXPECT_TRUE(boxes.empty());
-    } else {
-      ASSERT_EQ(boxes.size(), 1u);
-      EXPECT_EQ(boxes[0].title, c.box.title);
-      EXPECT_EQ(boxes[0].text, c.box.text);
+    std::vector<Box> boxes = window.Boxes(boxesBefore);
+    ASSERT_EQ(boxes.size(), c.boxTitle == nullptr ? 0u : 1u);
+    if (c.boxTitle != nullptr) {
+      EXPECT_EQ(boxes[0].title, c.boxTitle);
+      EXPECT_EQ(boxes[0].text, c.boxText);
     }
   }
   EXPECT_EQ(engine.GroupName("g14"), "新名字");
@@ -400,7 +278,7 @@ TEST_F(GroupServiceTest, OwnerTransferAsksTheHostConfirmsAndFollows) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     host_.ClearCalls();
-    window.SetConfirmAnswer(c.confirm);
+    window.confirm = c.confirm;
     if (*c.failing != '\0') host_.FailOperation(c.failing);
     const size_t changesBefore = mirror_.Changes().size();
     const size_t boxesBefore = window.Boxes().size();
@@ -410,7 +288,7 @@ TEST_F(GroupServiceTest, OwnerTransferAsksTheHostConfirmsAndFollows) {
     if (c.newOwner == -1) {
       EXPECT_TRUE(host_.Calls().empty());
     }
-    std::vector<Box> boxes = BoxesSince(boxesBefore);
+    std::vector<Box> boxes = window.Boxes(boxesBefore);
     ASSERT_EQ(boxes.size(), c.boxes.size());
     for (size_t i = 0; i < boxes.size(); ++i) {
       EXPECT_EQ(boxes[i].title, c.boxes[i].title);
