@@ -31,6 +31,12 @@ std::vector<std::string> Keys(const Json::Value& object) {
   return keys;
 }
 
+std::string Joined(const std::vector<std::string>& texts) {
+  std::string out;
+  for (const std::string& text : texts) out += (out.empty() ? "" : " ") + text;
+  return out;
+}
+
 SdkCallLog::SdkCallLog() {
   path_ = testing::TempDir() + "service_call_log_" +
           testing::UnitTest::GetInstance()->current_test_info()->name() + ".jsonl";
@@ -157,9 +163,8 @@ void ServiceTest::Handle(const platform::WindowMessage& message, bool dispatch) 
     case msg::kFriendDeleted:
       seen.text = *service::AdoptPayload<std::string>(message.wParam);
       break;
-    case msg::kConversationDatum:
     case msg::kConversationLogoChanged:
-      if (message.wParam != 0) seen.first = *service::AdoptPayload<WString>(message.wParam);
+      seen.first = *service::AdoptPayload<WString>(message.wParam);
       break;
     case msg::kConversationNameChanged:
       seen.first = *service::AdoptPayload<WString>(message.wParam);

@@ -65,6 +65,8 @@ class FakeWindow final : public service::WindowPort {
 Json::Value ParseJsonText(const std::string& text);
 // The member names of an object, sorted.
 std::vector<std::string> Keys(const Json::Value& object);
+// The texts separated by spaces.
+std::string Joined(const std::vector<std::string>& texts);
 
 // The embedded engine's call log for one test (IMSDK_CALL_LOG).
 class SdkCallLog {
@@ -87,7 +89,7 @@ struct Seen {
   platform::WPARAM wParam = 0;  // payload-free messages only
   uint32_t eventKind = 0;       // 3024
   std::string text;             // 3024 record text, 3196 and 3197 JSON
-  WString first;                // 3192 id, 3193 id
+  WString first;                // 3192, 3193 id
   WString second;               // 3193 name
 };
 
