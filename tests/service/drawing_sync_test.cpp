@@ -9,6 +9,8 @@
 namespace service_test {
 namespace {
 
+namespace msg = platform::msg;
+
 const char* const kSyncInstruction = R"({"msgType":3,"data":{"subType":0}})";
 
 class DrawingSyncTest : public ServiceTest {
@@ -34,7 +36,6 @@ class DrawingSyncTest : public ServiceTest {
 // What a payload pushed by the peer 10002 causes: host calls, posts, and
 // whether the message is listed and stored.
 TEST_F(DrawingSyncTest, PushedPayloadsReachTheHostOnlyForTheSharedConversation) {
-  namespace msg = platform::msg;
   const struct {
     const char16_t* shared;
     std::string payload;
@@ -90,7 +91,7 @@ TEST_F(DrawingSyncTest, FetchedHistoryNeverActsOnInstructions) {
   ASSERT_TRUE(host_.SentSyncs().empty());
   ShareConversation(u"10002");
   tools->GetMsgList(u"10002", 1, 20);
-  ASSERT_TRUE(PumpUntil([&] { return CountSeen(platform::msg::kMessageListArrived) >= 1; }));
+  ASSERT_TRUE(PumpUntil([&] { return CountSeen(msg::kMessageListArrived) >= 1; }));
   DrainNow();
   EXPECT_TRUE(host_.SentSyncs().empty());
 }
@@ -131,8 +132,8 @@ TEST_F(DrawingSyncTest, HostPayloadIsSentToTheSharedConversation) {
   ASSERT_TRUE(host_.SendDrawingMsgThroughModule(payload));
   ASSERT_TRUE(PumpUntil([&] { return traces.Contains("自定义消息发送失败！！！"); }));
   DrainNow();
-  EXPECT_EQ(CountSeen(platform::msg::kTransferStateChanged), 0u);
-  EXPECT_EQ(CountSeen(platform::msg::kRefreshMessageView), 0u);
+  EXPECT_EQ(CountSeen(msg::kTransferStateChanged), 0u);
+  EXPECT_EQ(CountSeen(msg::kRefreshMessageView), 0u);
 }
 
 TEST_F(DrawingSyncTest, SignedOutSendIsRefusedAndTraced) {
