@@ -1,16 +1,15 @@
 // Drawing-sync messages: what received payloads ask of the host, and the
 // host's payloads sent through sendChatDrawingMsg from the host's thread.
-#include <json/json.h>
-
 #include <atomic>
 #include <thread>
 
 #include "host/local/local_host.h"
-#include "tests/service/sdk_call_log.h"
 #include "tests/service/service_fixture.h"
 
 namespace service_test {
 namespace {
+
+namespace msg = platform::msg;
 
 const char* const kSyncInstruction = R"({"msgType":3,"data":{"subType":0}})";
 
@@ -31,78 +30,70 @@ class DrawingSyncTest : public ServiceTest {
     session.drawingId = 2;
     host_.SetSharedSession(session);
   }
-  // The peer 10002 sends `payload` in its conversation with the user, and
-  // the pushed message is handled.
-  void ReceiveFromPeer(const std::string& payload) {
-    ASSERT_EQ(engine.SendCustom("10002", 1, "10001", payload), 0);
-    ASSERT_TRUE(PumpUntilEvent(kSdkEventNewMessages, ++pushed_));
-  }
-
   host::local::LocalHost host_{testing::TempDir() + "service_send_sync_space"};
-  size_t pushed_ = 0;
 };
 
+// What a payload pushed by the peer 10002 causes: host calls, posts, and
+// whether the message is listed and stored.
 TEST_F(DrawingSyncTest, PushedPayloadsReachTheHostOnlyForTheSharedConversation) {
   const struct {
-    const char* name;
     const char16_t* shared;
     std::string payload;
     size_t syncs;
-    std::vector<int32_t> updates;
+    int32_t update;  // the chat drawing's subType, 0 none
+    size_t notices;  // 3208
+    size_t reloads;  // 3181
+    size_t listed;
   } cases[] = {
-      {"instruction 0, shared", u"10002", kSyncInstruction, 1, {}},
-      {"instruction 1", u"10002", R"({"msgType":3,"data":{"subType":1}})", 0, {}},
-      {"other conversation shared", u"10003", kSyncInstruction, 0, {}},
-      {"chat drawing change 3",
-       u"10002",
-       R"({"msgType":2,"data":{"subType":3,"type":1,"fromUserId":"10002","content":"c"}})",
-       0,
-       {3}},
-      {"chat drawing message 1",
-       u"10002",
-       R"({"msgType":2,"data":{"subType":1,"type":1,"fromUserId":"10002","content":"c"}})",
-       0,
-       {}},
+      {u"10002", kSyncInstruction, 1, 0, 0, 0, 0},
+      {u"10002", R"({"msgType":3,"data":{"subType":1}})", 0, 0, 0, 0, 0},
+      {u"10003", kSyncInstruction, 0, 0, 0, 0, 0},
+      {u"10002", R"({"msgType":2,"data":{"subType":2,"instruct":2,"content":"c"}})", 0, 2, 1, 0, 1},
+      {u"10002", R"({"msgType":2,"data":{"subType":3,"instruct":4,"content":"c"}})", 0, 3, 1, 0, 1},
+      {u"10002", R"({"msgType":2,"data":{"subType":4,"instruct":3}})", 0, 4, 0, 0, 1},
+      {u"10002", R"({"msgType":2,"data":{"subType":5}})", 0, 5, 0, 0, 1},
+      {u"10003", R"({"msgType":2,"data":{"subType":5}})", 0, 0, 0, 0, 1},
+      {u"10002", R"({"msgType":2,"data":{"subType":1,"type":1,"content":"c"}})", 0, 0, 0, 1, 1},
+      {u"10002", R"({"msgType":1,"data":{"fileId":5,"subType":0}})", 0, 0, 0, 0, 1},
+      {u"10002", R"({"msgType":1,"data":{"fileId":6,"subType":1}})", 0, 0, 0, 1, 1},
   };
   ASSERT_TRUE(SignIn());
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.payload);
     ShareConversation(c.shared);
+    (void)tools->TakeNewMessages(u"10002");
+    ClearSeen();
     const size_t syncsBefore = host_.SentSyncs().size();
     const size_t updatesBefore = host_.DrawingInfoUpdates().size();
-    ReceiveFromPeer(c.payload);
+    const size_t rowsBefore = StoredRows(u"10002").size();
+    ASSERT_TRUE(HandlePushed(engine.SendCustom("10002", 1, "10001", c.payload)));
     EXPECT_EQ(host_.SentSyncs().size() - syncsBefore, c.syncs);
     std::vector<int32_t> updates = host_.DrawingInfoUpdates();
-    EXPECT_EQ(std::vector<int32_t>(updates.begin() + updatesBefore, updates.end()), c.updates);
+    EXPECT_EQ(std::vector<int32_t>(updates.begin() + updatesBefore, updates.end()),
+              c.update == 0 ? std::vector<int32_t>{} : std::vector<int32_t>{c.update});
+    EXPECT_EQ(CountSeen(msg::kDrawingSyncNotice), c.notices);
+    EXPECT_EQ(CountSeen(msg::kReloadGroupsFromHost), c.reloads);
+    EXPECT_EQ(tools->NewMessageCount(u"10002"), c.listed);
+    EXPECT_EQ(CountSeen(msg::kUnreadMarker), c.listed);
+    EXPECT_EQ(StoredRows(u"10002").size(), rowsBefore + c.listed);
   }
   // What the host got is the payload as it travelled.
   ASSERT_EQ(host_.SentSyncs().size(), 1u);
-  Json::Value forwarded = ParseJsonText(platform::Utf16ToUtf8(host_.SentSyncs()[0]));
-  EXPECT_EQ(forwarded["msgType"].asUInt(), 3u);
+  EXPECT_EQ(ParseJsonText(platform::Utf16ToUtf8(host_.SentSyncs()[0])),
+            ParseJsonText(kSyncInstruction));
 }
 
+// The flag clear (fetched history): an instruction never reaches the host.
 TEST_F(DrawingSyncTest, FetchedHistoryNeverActsOnInstructions) {
   ASSERT_TRUE(SignIn());
   ShareConversation(u"10003");
-  ReceiveFromPeer(kSyncInstruction);
+  ASSERT_TRUE(HandlePushed(engine.SendCustom("10002", 1, "10001", kSyncInstruction)));
   ASSERT_TRUE(host_.SentSyncs().empty());
-  // Now the conversation is shared, and its history comes again.
   ShareConversation(u"10002");
   tools->GetMsgList(u"10002", 1, 20);
-  ASSERT_TRUE(PumpUntil([&] { return CountSeen(platform::msg::kMessageListArrived) >= 1; }));
+  ASSERT_TRUE(PumpUntil([&] { return CountSeen(msg::kMessageListArrived) >= 1; }));
   DrainNow();
   EXPECT_TRUE(host_.SentSyncs().empty());
-}
-
-TEST_F(DrawingSyncTest, ReceivedDrawingOfSubTypeOneReloadsTheGroups) {
-  ASSERT_TRUE(SignIn());
-  ClearSeen();
-  ReceiveFromPeer(R"({"msgType":1,"data":{"fileId":5,"fileName":"a.dwg","subType":0}})");
-  DrainNow();
-  EXPECT_EQ(CountSeen(platform::msg::kReloadGroupsFromHost), 0u);
-  ReceiveFromPeer(R"({"msgType":1,"data":{"fileId":6,"fileName":"b.dwg","subType":1}})");
-  DrainNow();
-  EXPECT_EQ(CountSeen(platform::msg::kReloadGroupsFromHost), 1u);
 }
 
 TEST_F(DrawingSyncTest, HostPayloadIsSentToTheSharedConversation) {
@@ -141,16 +132,14 @@ TEST_F(DrawingSyncTest, HostPayloadIsSentToTheSharedConversation) {
   ASSERT_TRUE(host_.SendDrawingMsgThroughModule(payload));
   ASSERT_TRUE(PumpUntil([&] { return traces.Contains("自定义消息发送失败！！！"); }));
   DrainNow();
-  EXPECT_EQ(CountSeen(platform::msg::kTransferStateChanged), 0u);
-  EXPECT_EQ(CountSeen(platform::msg::kRefreshMessageView), 0u);
+  EXPECT_EQ(CountSeen(msg::kTransferStateChanged), 0u);
+  EXPECT_EQ(CountSeen(msg::kRefreshMessageView), 0u);
 }
 
 TEST_F(DrawingSyncTest, SignedOutSendIsRefusedAndTraced) {
   ShareConversation(u"10002");
   EXPECT_FALSE(tools->sendChatDrawingMsg(u"{}"));
   EXPECT_TRUE(traces.Contains("TIMMsgSendNewMsg 发送自定义消息失败!!!"));
-  EXPECT_EQ(traces.Count("sendChatDrawingMsg enter!!!!!!"), 1u);
-  EXPECT_EQ(traces.Count("sendChatDrawingMsg exit!!!!!!"), 1u);
 }
 
 // The host sends from its own thread while the window thread handles the

@@ -94,21 +94,12 @@ class GroupServiceTest : public ServiceTest {
     host_.Uninstall();
     ServiceTest::TearDown();
   }
-  std::vector<std::string> Changes() const {
-    std::vector<std::string> kinds;
-    for (const auto& change : mirror_.Changes()) kinds.push_back(change.kind);
-    return kinds;
-  }
   // The last engine change came after the host call `hostCall`.
   bool LastChangeFollowed(const std::string& hostCall) const {
     const auto changes = mirror_.Changes();
     if (changes.empty()) return false;
     const auto& before = changes.back().hostCallsBefore;
     return std::find(before.begin(), before.end(), hostCall) != before.end();
-  }
-  std::vector<Box> BoxesSince(size_t count) const {
-    std::vector<Box> boxes = window.Boxes();
-    return std::vector<Box>(boxes.begin() + static_cast<std::ptrdiff_t>(count), boxes.end());
   }
   int32_t CloudIdOf(const std::string& imGroupId) const {
     auto group = host_.FindGroup(platform::Utf8ToUtf16(imGroupId));
@@ -122,183 +113,64 @@ class GroupServiceTest : public ServiceTest {
 };
 
 TEST_F(GroupServiceTest, GroupActionsAskTheHostFirstAndFollowOnlyOnSuccess) {
+  using A = GroupAction;
+  using R = GroupActionResult;
   const char16_t* const kNotOwner = u"非管理员不能删除群成员！！！";
   const struct {
-    const char* name;
-    GroupAction action;
+    A action;
     const char* owner;
-    std::vector<int32_t> members;
+    int32_t member;       // 0: none
     const char* failing;  // host operation made to fail
-    GroupActionResult result;
-    Box box;               // empty title: no box
-    const char* hostCall;  // the host call the chat side followed
+    R result;
+    const char16_t* boxTitle;  // nullptr: no box
+    const char16_t* boxText;
+    const char* hostCall;  // the host call the engine change followed
     const char* change;    // the engine change that followed, "" none
-    std::vector<std::string> membersAfter;
+    const char* membersAfter;
   } cases[] = {
-      {"remove",
-       GroupAction::kRemoveMembers,
-       "10001",
-       {10003},
-       "",
-       GroupActionResult::kDone,
-       {},
-       "RemoveGroupMembers",
-       "left",
-       {"10001", "10002"}},
-      {"remove, not owner",
-       GroupAction::kRemoveMembers,
-       "10002",
-       {10003},
-       "",
-       GroupActionResult::kNotOwner,
-       {{}, u"提示", kNotOwner},
-       "",
-       "",
-       {"10002", "10001", "10003"}},
-      {"remove, host fails",
-       GroupAction::kRemoveMembers,
-       "10001",
-       {10003},
-       "RemoveGroupMembers",
-       GroupActionResult::kHostFailed,
-       {{}, u"错误", u"删除群成员失败！！！"},
-       "",
-       "",
-       {"10001", "10002", "10003"}},
-      {"remove, role unknown",
-       GroupAction::kRemoveMembers,
-       "10001",
-       {10003},
-       "GetGroupRole",
-       GroupActionResult::kRoleQueryFailed,
-       {{}, u"错误", u"查询群角色失败！！！"},
-       "",
-       "",
-       {"10001", "10002", "10003"}},
-      {"leave",
-       GroupAction::kLeave,
-       "10002",
-       {10001},
-       "",
-       GroupActionResult::kDone,
-       {},
-       "RemoveGroupMembers",
-       "left",
-       {"10002", "10003"}},
-      {"leave, host fails",
-       GroupAction::kLeave,
-       "10002",
-       {10001},
-       "RemoveGroupMembers",
-       GroupActionResult::kHostFailed,
-       {{}, u"错误", u"退群失败！！！"},
-       "",
-       "",
-       {"10002", "10001", "10003"}},
-      {"leave, group unknown",
-       GroupAction::kLeave,
-       "10002",
-       {10001},
-       "GetGroupMembers",
-       GroupActionResult::kGroupQueryFailed,
-       {{}, u"错误", u"查询群信息失败！！！"},
-       "",
-       "",
-       {"10002", "10001", "10003"}},
-      {"disband",
-       GroupAction::kDisband,
-       "10001",
-       {},
-       "",
-       GroupActionResult::kDone,
-       {},
-       "DisbandCloudGroup",
-       "dismissed",
-       {}},
-      {"disband, not owner",
-       GroupAction::kDisband,
-       "10002",
-       {},
-       "",
-       GroupActionResult::kNotOwner,
-       {{}, u"提示", kNotOwner},
-       "",
-       "",
-       {"10002", "10001", "10003"}},
-      {"disband, host fails",
-       GroupAction::kDisband,
-       "10001",
-       {},
-       "DisbandCloudGroup",
-       GroupActionResult::kHostFailed,
-       {{}, u"错误", u"解散群组失败！！！"},
-       "",
-       "",
-       {"10001", "10002", "10003"}},
-      {"add",
-       GroupAction::kAddMembers,
-       "10002",
-       {10003},
-       "",
-       GroupActionResult::kDone,
-       {},
-       "AddGroupMembers",
-       "joined",
-       {"10002", "10001", "10003"}},
-      {"add, host fails",
-       GroupAction::kAddMembers,
-       "10002",
-       {10003},
-       "AddGroupMembers",
-       GroupActionResult::kHostFailed,
-       {{}, u"错误", u"添加群成员失败!"},
-       "",
-       "",
-       {"10002", "10001"}},
-      {"add, group unknown",
-       GroupAction::kAddMembers,
-       "10002",
-       {10003},
-       "GetGroupMembers",
-       GroupActionResult::kGroupQueryFailed,
-       {{}, u"查询群信息", u"查询群信息失败!"},
-       "",
-       "",
-       {"10002", "10001"}},
-      {"rename",
-       GroupAction::kRename,
-       "10001",
-       {},
-       "",
-       GroupActionResult::kDone,
-       {},
-       "RenameGroup",
-       "renamed",
-       {"10001", "10002", "10003"}},
-      {"rename, host fails",
-       GroupAction::kRename,
-       "10001",
-       {},
-       "RenameGroup",
-       GroupActionResult::kHostFailed,
-       {{}, u"错误", u"设置群名称失败！！！"},
-       "",
-       "",
-       {"10001", "10002", "10003"}},
+      {A::kRemoveMembers, "10001", 10003, "", R::kDone, nullptr, nullptr, "RemoveGroupMembers",
+       "left", "10001 10002"},
+      {A::kRemoveMembers, "10002", 10003, "", R::kNotOwner, u"提示", kNotOwner, "", "",
+       "10002 10001 10003"},
+      {A::kRemoveMembers, "10001", 10003, "RemoveGroupMembers", R::kHostFailed, u"错误",
+       u"删除群成员失败！！！", "", "", "10001 10002 10003"},
+      {A::kRemoveMembers, "10001", 10003, "GetGroupRole", R::kRoleQueryFailed, u"错误",
+       u"查询群角色失败！！！", "", "", "10001 10002 10003"},
+      {A::kLeave, "10002", 10001, "", R::kDone, nullptr, nullptr, "RemoveGroupMembers", "left",
+       "10002 10003"},
+      {A::kLeave, "10002", 10001, "RemoveGroupMembers", R::kHostFailed, u"错误", u"退群失败！！！",
+       "", "", "10002 10001 10003"},
+      {A::kLeave, "10002", 10001, "GetGroupMembers", R::kGroupQueryFailed, u"错误",
+       u"查询群信息失败！！！", "", "", "10002 10001 10003"},
+      {A::kDisband, "10001", 0, "", R::kDone, nullptr, nullptr, "DisbandCloudGroup", "dismissed",
+       ""},
+      {A::kDisband, "10002", 0, "", R::kNotOwner, u"提示", kNotOwner, "", "", "10002 10001 10003"},
+      {A::kDisband, "10001", 0, "DisbandCloudGroup", R::kHostFailed, u"错误", u"解散群组失败！！！",
+       "", "", "10001 10002 10003"},
+      {A::kAddMembers, "10002", 10003, "", R::kDone, nullptr, nullptr, "AddGroupMembers", "joined",
+       "10002 10001 10003"},
+      {A::kAddMembers, "10002", 10003, "AddGroupMembers", R::kHostFailed, u"错误",
+       u"添加群成员失败!", "", "", "10002 10001"},
+      {A::kAddMembers, "10002", 10003, "GetGroupMembers", R::kGroupQueryFailed, u"查询群信息",
+       u"查询群信息失败!", "", "", "10002 10001"},
+      {A::kRename, "10001", 0, "", R::kDone, nullptr, nullptr, "RenameGroup", "renamed",
+       "10001 10002 10003"},
+      {A::kRename, "10001", 0, "RenameGroup", R::kHostFailed, u"错误", u"设置群名称失败！！！", "",
+       "", "10001 10002 10003"},
   };
   ASSERT_TRUE(SignIn());
   int n = 0;
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
     const std::string groupId = "g" + std::to_string(++n);
+    SCOPED_TRACE(groupId);
     std::vector<std::string> others;
     for (const char* id : {"10001", "10002", "10003"}) {
-      const bool addedLater = c.action == GroupAction::kAddMembers && std::string(id) == "10003";
+      const bool addedLater = c.action == A::kAddMembers && std::string(id) == "10003";
       if (id != std::string(c.owner) && !addedLater) others.push_back(id);
     }
     ASSERT_EQ(engine.CreateGroup(c.owner, "G", others, groupId), groupId);
-    ASSERT_TRUE(host_.FindGroup(platform::Utf8ToUtf16(groupId)));  // through the link
     const WString wideId = platform::Utf8ToUtf16(groupId);
+    ASSERT_TRUE(host_.FindGroup(wideId));  // through the link
     ASSERT_TRUE(PumpUntil([&] { return tools->IsJoinedGroup(wideId); }));
     host_.ClearCalls();
     if (*c.failing != '\0') host_.FailOperation(c.failing);
@@ -307,32 +179,27 @@ TEST_F(GroupServiceTest, GroupActionsAskTheHostFirstAndFollowOnlyOnSuccess) {
 
     host::GroupActionRequest request;
     request.action = c.action;
-    request.imGroupId = platform::Utf8ToUtf16(groupId);
-    for (int32_t id : c.members) request.members.push_back(Member(id));
+    request.imGroupId = wideId;
+    if (c.member != 0) request.members.push_back(Member(c.member));
     request.newName = u"新名字";
     EXPECT_EQ(tools->RunGroupAction(request, "test "), c.result);
     if (*c.failing != '\0') host_.FailOperation(c.failing, false);
 
     const auto changes = mirror_.Changes();
-    if (*c.change == '\0') {
-      EXPECT_EQ(changes.size(), changesBefore);
-    } else {
-      ASSERT_EQ(changes.size(), changesBefore + 1);
+    ASSERT_EQ(changes.size(), changesBefore + (*c.change == '\0' ? 0 : 1));
+    if (*c.change != '\0') {
       EXPECT_EQ(changes.back().kind, c.change);
       EXPECT_TRUE(LastChangeFollowed(c.hostCall));
     }
-    EXPECT_EQ(engine.GroupMembers(groupId), c.membersAfter);
-    if (c.membersAfter.empty() ||
-        (c.action == GroupAction::kLeave && c.result == GroupActionResult::kDone)) {
+    EXPECT_EQ(Joined(engine.GroupMembers(groupId)), c.membersAfter);
+    if (*c.membersAfter == '\0' || (c.action == A::kLeave && c.result == R::kDone)) {
       EXPECT_TRUE(PumpUntil([&] { return !tools->IsJoinedGroup(wideId); }));
     }
-    std::vector<Box> boxes = BoxesSince(boxesBefore);
-    if (c.box.title.empty()) {
-      EXPECT_TRUE(boxes.empty());
-    } else {
-      ASSERT_EQ(boxes.size(), 1u);
-      EXPECT_EQ(boxes[0].title, c.box.title);
-      EXPECT_EQ(boxes[0].text, c.box.text);
+    std::vector<Box> boxes = window.Boxes(boxesBefore);
+    ASSERT_EQ(boxes.size(), c.boxTitle == nullptr ? 0u : 1u);
+    if (c.boxTitle != nullptr) {
+      EXPECT_EQ(boxes[0].title, c.boxTitle);
+      EXPECT_EQ(boxes[0].text, c.boxText);
     }
   }
   EXPECT_EQ(engine.GroupName("g14"), "新名字");
@@ -342,11 +209,12 @@ TEST_F(GroupServiceTest, CreateGroupMakesTheCloudGroupThenTheChatGroupOfTheSameI
   ASSERT_TRUE(SignIn());
   host_.FailOperation("CreateCloudGroup");
   EXPECT_FALSE(tools->CreateGroup(u"评审", {Member(10002)}));
-  EXPECT_TRUE(Changes().empty());
+  EXPECT_TRUE(mirror_.Changes().empty());
   host_.FailOperation("CreateCloudGroup", false);
 
   ASSERT_TRUE(tools->CreateGroup(u"评审", {Member(10002)}));
-  ASSERT_EQ(Changes(), std::vector<std::string>{"created"});
+  ASSERT_EQ(mirror_.Changes().size(), 1u);
+  EXPECT_EQ(mirror_.Changes()[0].kind, "created");
   EXPECT_TRUE(LastChangeFollowed("CreateCloudGroup"));
   ASSERT_TRUE(host_.FindGroup(u"group_1001"));
   EXPECT_EQ(engine.GroupName("group_1001"), "评审");
@@ -360,62 +228,44 @@ TEST_F(GroupServiceTest, CreateGroupMakesTheCloudGroupThenTheChatGroupOfTheSameI
 }
 
 TEST_F(GroupServiceTest, OwnerTransferAsksTheHostConfirmsAndFollows) {
+  using R = OwnerTransferResult;
+  const char16_t* const kAsk = u"确定选择王工为新群主,你将放弃群主身份。";
   const struct {
-    const char* name;
     int32_t newOwner;
     bool confirm;
     const char* failing;
-    OwnerTransferResult result;
-    std::vector<Box> boxes;
+    R result;
+    bool asked;
+    const char16_t* title;  // the box after the question, nullptr none
+    const char16_t* text;
     const char* ownerAfter;
   } cases[] = {
-      {"nobody chosen", -1, true, "", OwnerTransferResult::kNoNewOwner, {}, "10001"},
-      {"not a member", 10003, true, "", OwnerTransferResult::kRefused, {}, "10001"},
-      {"cancelled",
-       10002,
-       false,
-       "",
-       OwnerTransferResult::kCancelled,
-       {{{}, u"提示", u"确定选择王工为新群主,你将放弃群主身份。"}},
+      {-1, true, "", R::kNoNewOwner, false, nullptr, nullptr, "10001"},
+      {10003, true, "", R::kRefused, false, nullptr, nullptr, "10001"},
+      {10002, false, "", R::kCancelled, true, nullptr, nullptr, "10001"},
+      {10002, true, "TransferGroupOwner", R::kHostFailed, true, u"错误", u"转移群组权限失败!",
        "10001"},
-      {"host fails",
-       10002,
-       true,
-       "TransferGroupOwner",
-       OwnerTransferResult::kHostFailed,
-       {{{}, u"提示", u"确定选择王工为新群主,你将放弃群主身份。"},
-        {{}, u"错误", u"转移群组权限失败!"}},
-       "10001"},
-      {"done",
-       10002,
-       true,
-       "",
-       OwnerTransferResult::kDone,
-       {{{}, u"提示", u"确定选择王工为新群主,你将放弃群主身份。"},
-        {{}, u"提示", u"转移群组权限成功! \"王工\" 已成为新群主"}},
+      {10002, true, "", R::kDone, true, u"提示", u"转移群组权限成功! \"王工\" 已成为新群主",
        "10002"},
   };
   ASSERT_TRUE(SignIn());
   ASSERT_EQ(engine.CreateGroup("10001", "G", {"10002"}, "gt"), "gt");
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(static_cast<int>(c.result));
     host_.ClearCalls();
-    window.SetConfirmAnswer(c.confirm);
+    window.confirm = c.confirm;
     if (*c.failing != '\0') host_.FailOperation(c.failing);
     const size_t changesBefore = mirror_.Changes().size();
     const size_t boxesBefore = window.Boxes().size();
     host::OwnerTransferRequest request{CloudIdOf("gt"), c.newOwner, u"王工"};
     EXPECT_EQ(tools->TransferGroupOwner(u"gt", request, "test "), c.result);
     if (*c.failing != '\0') host_.FailOperation(c.failing, false);
-    if (c.newOwner == -1) {
-      EXPECT_TRUE(host_.Calls().empty());
-    }
-    std::vector<Box> boxes = BoxesSince(boxesBefore);
-    ASSERT_EQ(boxes.size(), c.boxes.size());
-    for (size_t i = 0; i < boxes.size(); ++i) {
-      EXPECT_EQ(boxes[i].title, c.boxes[i].title);
-      EXPECT_EQ(boxes[i].text, c.boxes[i].text);
-    }
+    EXPECT_TRUE(c.newOwner != -1 || host_.Calls().empty());
+    std::vector<std::pair<WString, WString>> boxes, expected;
+    for (const Box& box : window.Boxes(boxesBefore)) boxes.emplace_back(box.title, box.text);
+    if (c.asked) expected.emplace_back(u"提示", kAsk);
+    if (c.title != nullptr) expected.emplace_back(c.title, c.text);
+    EXPECT_EQ(boxes, expected);
     EXPECT_EQ(engine.GroupOwner("gt"), c.ownerAfter);
     const bool followed = c.result == OwnerTransferResult::kDone;
     EXPECT_EQ(mirror_.Changes().size(), changesBefore + (followed ? 1 : 0));
@@ -483,42 +333,37 @@ TEST_F(GroupServiceTest, ConversationImagesComeThroughTheHostIntoTheFaceCache) {
   }));
 
   const WString faces = platform::DataFolders::Instance().GetFacePath();
-  const WString kPerson = u"..\\img\\PersonDefaultImg.png";
-  const WString kGroup = u"..\\img\\GroupDefaultImg.png";
   const struct {
     const char* name;
     uint32_t type;
     const char16_t* id;
     bool downloadFails;
     const char* picture;  // expected cached copy of this picture; "" = default
-    WString defaultImage;
     WString displayName;
   } cases[] = {
-      {"friend, download fails", 1, u"10002", true, "", kPerson, u"王工"},
-      {"friend", 1, u"10002", false, "friend.png", kPerson, u"王工"},
-      {"friend, cached", 1, u"10002", false, "friend.png", kPerson, u"王工"},
-      {"stranger from the host", 1, u"10003", false, "stranger.jpg", kPerson, u"赵工"},
-      {"unknown person", 1, u"20000", false, "", kPerson, u"20000"},
-      {"group", 2, u"gp", false, "group.png", kGroup, u"G"},
-      {"group without picture", 2, u"gq", false, "", kGroup, u"Plain"},
-      {"unknown group", 2, u"gx", false, "", kGroup, u""},
+      {"friend, download fails", 1, u"10002", true, "", u"王工"},
+      {"friend", 1, u"10002", false, "friend.png", u"王工"},
+      {"friend, cached", 1, u"10002", false, "friend.png", u"王工"},
+      {"stranger from the host", 1, u"10003", false, "stranger.jpg", u"赵工"},
+      {"unknown person", 1, u"20000", false, "", u"20000"},
+      {"group", 2, u"gp", false, "group.png", u"G"},
+      {"group without picture", 2, u"gq", false, "", u"Plain"},
+      {"unknown group", 2, u"gx", false, "", u""},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     host_.ClearCalls();
     if (c.downloadFails) host_.FailOperation("DownloadPicture");
-    WString image;
-    WString name;
+    WString image, name;
     tools->GetConvImage(c.type, c.id, image, name);
     host_.FailOperation("DownloadPicture", false);
     EXPECT_EQ(name, c.displayName);
     const auto calls = host_.CallNames();
     const size_t downloads = std::count(calls.begin(), calls.end(), "DownloadPicture");
     if (*c.picture == '\0') {
-      EXPECT_EQ(image, c.defaultImage);
-      if (c.downloadFails) {
-        EXPECT_TRUE(traces.Contains("下载图片失败!!!"));
-      }
+      EXPECT_EQ(image,
+                c.type == 1 ? u"..\\img\\PersonDefaultImg.png" : u"..\\img\\GroupDefaultImg.png");
+      EXPECT_TRUE(!c.downloadFails || traces.Contains("下载图片失败!!!"));
       continue;
     }
     EXPECT_EQ(image.rfind(faces, 0), 0u);

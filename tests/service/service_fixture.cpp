@@ -2,10 +2,11 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
-#include "platform/folders.h"
 #include "imsdk/im_sdk.h"
 #include "platform/data_folders.h"
 #include "service/current_conversation.h"
@@ -15,9 +16,64 @@
 
 namespace service_test {
 
+Json::Value ParseJsonText(const std::string& text) {
+  Json::Value value;
+  Json::CharReaderBuilder builder;
+  std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+  std::string errors;
+  reader->parse(text.data(), text.data() + text.size(), &value, &errors);
+  return value;
+}
+
+std::vector<std::string> Keys(const Json::Value& object) {
+  std::vector<std::string> keys = object.getMemberNames();
+  std::sort(keys.begin(), keys.end());
+  return keys;
+}
+
+std::string Joined(const std::vector<std::string>& texts) {
+  std::string out;
+  for (const std::string& text : texts) out += (out.empty() ? "" : " ") + text;
+  return out;
+}
+
+SdkCallLog::SdkCallLog() {
+  path_ = testing::TempDir() + "service_call_log_" +
+          testing::UnitTest::GetInstance()->current_test_info()->name() + ".jsonl";
+  std::filesystem::remove(path_);
+  setenv("IMSDK_CALL_LOG", path_.c_str(), 1);
+}
+
+std::vector<Json::Value> SdkCallLog::Lines() const {
+  std::vector<Json::Value> lines;
+  std::ifstream in(path_);
+  for (std::string line; std::getline(in, line);) lines.push_back(ParseJsonText(line));
+  return lines;
+}
+
+std::vector<std::string> SdkCallLog::Calls() const {
+  std::vector<std::string> names;
+  for (const Json::Value& line : Lines()) {
+    if (line.isMember("call")) names.push_back(line["call"].asString());
+  }
+  return names;
+}
+
+std::vector<Json::Value> SdkCallLog::CallsOf(const std::string& function) const {
+  std::vector<Json::Value> found;
+  for (const Json::Value& line : Lines()) {
+    if (line["call"].asString() == function) found.push_back(line["params"]);
+  }
+  return found;
+}
+
+Json::Value SdkCallLog::Param(const Json::Value& params, const char* name) {
+  const Json::Value& value = params[name];
+  return value.isString() ? ParseJsonText(value.asString()) : value;
+}
+
 void ServiceTest::SetUp() {
-  // Tests of this binary run in parallel processes: each gets its own data
-  // tree, so every test starts with an empty history. No SDK thread runs yet.
+  // Tests run in parallel processes: each gets its own data tree.
   const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
   std::string docs = testing::TempDir() + "service-" + test->test_suite_name() + "-" +
                      test->name() + "-" + std::to_string(getpid());
@@ -38,7 +94,7 @@ void ServiceTest::SetUp() {
 }
 
 void ServiceTest::TearDown() {
-  TIMUninit();
+  TIMUninit();  // no callback runs after this
   for (const platform::WindowMessage& message : window.queue.TakeAll()) Handle(message, false);
   tools.reset();
   CChatDb::Instance().Close();
@@ -50,8 +106,7 @@ bool ServiceTest::SignIn(const std::string& userId, bool waitForLists) {
   WString id = platform::Utf8ToUtf16(userId);
   platform::DataFolders::Instance().Prepare(id);
   if (!service::SignIn(*tools, id, u"sig")) return false;
-  if (!waitForLists) return true;
-  return PumpUntil([this] {
+  return !waitForLists || PumpUntil([this] {
     return CountEvents(kSdkEventConversationList) >= 1 &&
            CountEvents(kSdkEventFriendProfileList) >= 1;
   });
@@ -72,6 +127,13 @@ bool ServiceTest::PumpUntil(const std::function<bool()>& done, std::chrono::mill
 
 bool ServiceTest::PumpUntilEvent(uint32_t kind, size_t count) {
   return PumpUntil([this, kind, count] { return CountEvents(kind) >= count; });
+}
+
+bool ServiceTest::HandlePushed(int sendResult) {
+  const size_t before = CountEvents(kSdkEventNewMessages);
+  if (sendResult != 0 || !PumpUntilEvent(kSdkEventNewMessages, before + 1)) return false;
+  DrainNow();
+  return true;
 }
 
 void ServiceTest::DrainNow() {
@@ -101,9 +163,8 @@ void ServiceTest::Handle(const platform::WindowMessage& message, bool dispatch) 
     case msg::kFriendDeleted:
       seen.text = *service::AdoptPayload<std::string>(message.wParam);
       break;
-    case msg::kConversationDatum:
     case msg::kConversationLogoChanged:
-      if (message.wParam != 0) seen.first = *service::AdoptPayload<WString>(message.wParam);
+      seen.first = *service::AdoptPayload<WString>(message.wParam);
       break;
     case msg::kConversationNameChanged:
       seen.first = *service::AdoptPayload<WString>(message.wParam);
@@ -122,26 +183,29 @@ void ServiceTest::Handle(const platform::WindowMessage& message, bool dispatch) 
   seen_.push_back(seen);
 }
 
-size_t ServiceTest::CountSeen(unsigned msg) const {
-  size_t count = 0;
-  for (const Seen& seen : seen_) count += seen.msg == msg ? 1 : 0;
-  return count;
+size_t ServiceTest::CountSeen(unsigned msg, std::optional<platform::WPARAM> wParam) const {
+  return std::count_if(seen_.begin(), seen_.end(), [&](const Seen& seen) {
+    return seen.msg == msg && (!wParam || seen.wParam == *wParam);
+  });
 }
 
 size_t ServiceTest::CountEvents(uint32_t kind) const {
-  size_t count = 0;
-  for (const Seen& seen : seen_) {
-    count += (seen.msg == platform::msg::kSdkEvent && seen.eventKind == kind) ? 1 : 0;
-  }
-  return count;
+  return std::count_if(seen_.begin(), seen_.end(), [kind](const Seen& seen) {
+    return seen.msg == platform::msg::kSdkEvent && seen.eventKind == kind;
+  });
 }
 
 std::vector<Seen> ServiceTest::SeenOf(unsigned msg) const {
   std::vector<Seen> out;
-  for (const Seen& seen : seen_) {
-    if (seen.msg == msg) out.push_back(seen);
-  }
+  std::copy_if(seen_.begin(), seen_.end(), std::back_inserter(out),
+               [msg](const Seen& seen) { return seen.msg == msg; });
   return out;
+}
+
+std::vector<MessageStru> ServiceTest::StoredRows(const WString& convId) {
+  std::vector<MessageStru> rows;
+  CChatDb::Instance().QueryCurrentConvMsg(convId, u"10001", 100, rows);
+  return rows;
 }
 
 }  // namespace service_test
