@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QTimer>
 
+#include <algorithm>
 #include <memory>
 #include <thread>
 
@@ -17,12 +18,24 @@
 #include "service/posting.h"
 #include "service/sdk_event_record.h"
 #include "tests/ui/test_window.h"
+#include "ui/kit/qt/control_ref.h"
 #include "ui/main/im_wnd.h"
 #include "ui/port/chat_window_port.h"
 
 namespace {
 
 using ui::test::PumpUntil;
+
+// Records the messages the frame passes on to the kit.
+struct SpyWnd : CIMWnd {
+  using CIMWnd::CIMWnd;
+  std::vector<unsigned> passedOn;
+  ui::LRESULT HandleCustomMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam,
+                                  bool& bHandled) override {
+    passedOn.push_back(uMsg);
+    return CIMWnd::HandleCustomMessage(uMsg, wParam, lParam, bHandled);
+  }
+};
 
 class ImWndTest : public ::testing::Test {
  protected:
@@ -46,11 +59,11 @@ class ImWndTest : public ::testing::Test {
   void ClickClose() { window_.SendNotify(window_.FindControl("IMWnd_closebtn"), ui::kNotifyClick); }
 
   CChatTools tools_;
-  CIMWnd window_{tools_};
+  SpyWnd window_{tools_};
   ui::ChatWindowPort port_{window_};
 };
 
-TEST_F(ImWndTest, StartsHiddenOnTheConversationsPageAndTheEmptyChatPage) {
+TEST_F(ImWndTest, StartsHiddenAndTwoClicksOnCloseHideWithTheStateKeptForTheNextShow) {
   EXPECT_EQ(service::ModuleMutexes().size(), 20u);
   EXPECT_EQ(service::CurrentConvId(), u"error");
   EXPECT_FALSE(window_.IsWindowVisible());
@@ -60,9 +73,6 @@ TEST_F(ImWndTest, StartsHiddenOnTheConversationsPageAndTheEmptyChatPage) {
   EXPECT_TRUE(window_.FindControl("RecentConverBtn").IsSelected());
   EXPECT_FALSE(window_.FindControl("FriendsListBtn").IsSelected());
   EXPECT_NE(port_.ChatWindow(), platform::WindowHandle::kNone);
-}
-
-TEST_F(ImWndTest, TwoClicksOnCloseHideAndDisplayShowsAgainWithStateIntact) {
   ShowAt(680);
   window_.FindControl("IMWnd_SessionName").SetText(u"王工");
   window_.FindControl("tabs").SelectItem(CIMWnd::kFriendsPage);
@@ -76,6 +86,9 @@ TEST_F(ImWndTest, TwoClicksOnCloseHideAndDisplayShowsAgainWithStateIntact) {
   EXPECT_TRUE(window_.IsWindowVisible());
   EXPECT_EQ(window_.FindControl("IMWnd_SessionName").GetText(), u"王工");
   EXPECT_EQ(TabPage(), CIMWnd::kFriendsPage);
+  ui::qt::WidgetOf(window_.FindControl("IMWnd_closebtn"))->window()->close();  // from outside
+  EXPECT_FALSE(window_.IsWindowVisible());
+  EXPECT_TRUE(window_.IsCreated());
 }
 
 TEST_F(ImWndTest, HideChatWindowWithoutASharedSessionChangesNothing) {
@@ -98,20 +111,14 @@ TEST_F(ImWndTest, HideChatWindowWithoutASharedSessionChangesNothing) {
   host.Uninstall();
 }
 
-TEST_F(ImWndTest, ChatRecordHeightFormulaTruncatesTowardZero) {
+TEST_F(ImWndTest, ResizingSetsTheChatRecordHeightTruncatedTowardZero) {
   for (auto [height, expected] :
        {std::pair{142, 0}, {141, 0}, {140, -1}, {100, -30}, {680, 384}, {143, 0}, {144, 1}}) {
     EXPECT_EQ(CIMWnd::ChatRecordHeight(height), expected) << height;
   }
-}
-
-TEST_F(ImWndTest, ResizingSetsTheChatRecordHeightFromTheWindowHeight) {
   ShowAt(680);
-  ASSERT_TRUE(PumpUntil([&] { return window_.FindControl("ChatRecord").GetFixedHeight() != 0; }));
-  int height = window_.GetWindowRect().Height();
-  EXPECT_EQ(window_.FindControl("ChatRecord").GetFixedHeight(), CIMWnd::ChatRecordHeight(height));
   window_.MoveWindow(ui::Rect{0, 0, 960, 700});
-  height = window_.GetWindowRect().Height();
+  int height = window_.GetWindowRect().Height();
   EXPECT_TRUE(PumpUntil([&] {
     return window_.FindControl("ChatRecord").GetFixedHeight() == CIMWnd::ChatRecordHeight(height);
   }));
@@ -158,13 +165,25 @@ TEST_F(ImWndTest, ConversationGoneShowsTheEmptyPageOnlyForTheOpenConversation) {
   EXPECT_EQ(service::CurrentPeerId(), u"");
 }
 
-TEST_F(ImWndTest, SdkEventRecordIsDispatchedAndFreed) {
-  auto record = std::make_unique<SdkEventRecord>();
-  record->kind = kSdkEventConversationList;
-  record->text = R"([{"conv_id":"10002","conv_type":1}])";
+TEST_F(ImWndTest, SdkEventRecordIsDispatchedFreedAndMayAskForARecentListRefresh) {
+  auto listed = std::make_unique<SdkEventRecord>();
+  listed->kind = kSdkEventConversationList;
+  listed->text = R"([{"conv_id":"10002","conv_type":1}])";
   platform::ScopedTraceCapture trace;
-  ASSERT_TRUE(service::PostOwned(port_.ChatWindow(), platform::msg::kSdkEvent, std::move(record)));
+  ASSERT_TRUE(service::PostOwned(port_.ChatWindow(), platform::msg::kSdkEvent, std::move(listed)));
   EXPECT_TRUE(PumpUntil([&] { return trace.Contains("DealConvListFunc"); }));
+  PumpUntil([] { return false; }, 30);
+  window_.passedOn.clear();
+  for (uint8_t flag : {1, 0}) {  // of a kind nobody handles
+    auto record = std::make_unique<SdkEventRecord>();
+    record->recent_list_flag = flag;
+    ASSERT_TRUE(
+        service::PostOwned(port_.ChatWindow(), platform::msg::kSdkEvent, std::move(record)));
+  }
+  EXPECT_TRUE(PumpUntil([&] { return trace.Count("kind 0 ignored") == 2; }));
+  PumpUntil([] { return false; }, 30);
+  auto& seen = window_.passedOn;
+  EXPECT_EQ(std::count(seen.begin(), seen.end(), platform::msg::kRecentConversationsChanged), 1);
 }
 
 TEST_F(ImWndTest, ScrollTimersScrollTheMessageViewToTheBottomAndTheTop) {

@@ -25,7 +25,6 @@ class RecordingWindow : public WindowImplBase {
   std::vector<platform::WindowMessage> messages;
   int finalMessages = 0;
   bool initWindowRan = false;
-  bool hideOnClose = false;
   std::function<void(TNotifyUI&)> onNotify;
   std::function<LRESULT(unsigned, WPARAM, LPARAM)> onMessage;
 
@@ -50,13 +49,6 @@ class RecordingWindow : public WindowImplBase {
     LRESULT result = onMessage ? onMessage(uMsg, wParam, lParam) : 0;  // non-zero: handled
     if (result != 0) return bHandled = true, result;
     return WindowImplBase::HandleCustomMessage(uMsg, wParam, lParam, bHandled);
-  }
-  LRESULT OnClose(unsigned, WPARAM, LPARAM, bool& bHandled) override {
-    if (hideOnClose) {
-      ShowWindow(false);
-      bHandled = true;
-    }
-    return 0;
   }
   void OnFinalMessage() override { ++finalMessages; }
 

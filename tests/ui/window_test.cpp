@@ -1,4 +1,4 @@
-// The window frame: skins, life cycle, closing, timers and focus.
+// The window frame: skins, life cycle, closing and timers.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -40,8 +40,6 @@ TEST(WindowImplBase, MissingOrBrokenSkinLeavesAWindowlessObject) {
     EXPECT_TRUE(trace.Contains("LoadSkin")) << skin;
     EXPECT_FALSE(w.IsCreated());
     EXPECT_FALSE(w.initWindowRan);
-    EXPECT_TRUE(w.notes.empty());
-    EXPECT_EQ(w.GetHWND(), platform::WindowHandle::kNone);
     EXPECT_FALSE(w.FindControl("Kit_Button"));
     EXPECT_EQ(w.ShowModal(), -1);
     w.Close(1);  // harmless
@@ -72,26 +70,6 @@ TEST(WindowImplBase, CloseDestroysWithTheCodeAndEndsTheModalLoop) {
   EXPECT_EQ(escaped.ShowModal(), 2);  // escape cancels
 }
 
-TEST(WindowImplBase, OnCloseMayHideInsteadOfDestroying) {
-  RecordingWindow w("KitTest.xml");
-  w.hideOnClose = true;
-  ASSERT_TRUE(w.Create(nullptr, platform::W("x"), WindowStyle::kTopLevel));
-  w.ShowWindow(true);
-  ASSERT_TRUE(w.IsWindowVisible());
-  w.Close(1);
-  w.Close(1);
-  ASSERT_TRUE(PumpUntil([&] { return !w.IsWindowVisible(); }));
-  QCoreApplication::processEvents();
-  EXPECT_TRUE(w.IsCreated());
-  EXPECT_EQ(w.finalMessages, 0);
-  EXPECT_TRUE(platform::IsWindow(w.GetHWND()));
-  w.ShowWindow(true);
-  QWidget* frame = qt::WidgetOf(w.FindControl("KitTest"))->window();
-  frame->close();  // from outside the kit: the same way
-  EXPECT_FALSE(w.IsWindowVisible());
-  EXPECT_TRUE(w.IsCreated());
-}
-
 TEST(WindowImplBase, TimersAreOneShotAndRestartable) {
   RecordingWindow w("KitTest.xml");
   ASSERT_TRUE(w.Create(nullptr, platform::W("x")));
@@ -113,60 +91,6 @@ TEST(WindowImplBase, TimersAreOneShotAndRestartable) {
   EXPECT_EQ(timerCount(9997), 1u);
   EXPECT_EQ(timerCount(9998), 0u);
   EXPECT_FALSE(w.IsTimerPending(9996));
-}
-
-TEST(WindowImplBase, LosingActivationReachesOnKillFocus) {
-  struct Ignoring : RecordingWindow {
-    Ignoring() : RecordingWindow("KitTest.xml") {}
-    int kills = 0;
-    LRESULT OnKillFocus(unsigned, WPARAM, LPARAM, bool& handled) override {
-      ++kills;
-      handled = true;
-      return 0;
-    }
-  } w;
-  ASSERT_TRUE(w.Create(nullptr, platform::W("x")));
-  w.ShowWindow(true);
-  QWidget* frame = qt::WidgetOf(w.FindControl("KitTest"))->window();
-  QApplication::setActiveWindow(frame);
-  EXPECT_EQ(w.kills, 0);
-  QApplication::setActiveWindow(nullptr);  // another application took the focus
-  EXPECT_EQ(w.kills, 1);
-  for (const auto& m : w.messages) EXPECT_NE(m.msg, kWmKillFocus);  // handled, not passed on
-}
-
-TEST(WindowImplBase, ResizeSendsSizeWithClientDimensions) {
-  RecordingWindow w("KitTest.xml");
-  ASSERT_TRUE(w.Create(nullptr, platform::W("x"), WindowStyle::kTopLevel));
-  w.ShowWindow(true);
-  w.messages.clear();
-  w.ResizeClient(500, 600);
-  QCoreApplication::processEvents();
-  platform::LPARAM size = 0;
-  for (const auto& m : w.messages) size = m.msg == kWmSize ? m.lParam : size;
-  EXPECT_EQ(size, MakeLParam(500, 600));
-  EXPECT_EQ(w.GetWindowRect().Height(), 600);
-}
-
-TEST(WindowImplBase, SelfDeletingWindowIsSafe) {
-  struct SelfDeleting : RecordingWindow {
-    explicit SelfDeleting(bool* gone) : RecordingWindow("KitTest.xml"), gone_(gone) {}
-    ~SelfDeleting() override { *gone_ = true; }
-    void OnFinalMessage() override { delete this; }
-    bool* gone_;
-  };
-  bool gone = false;
-  auto* w = new SelfDeleting(&gone);
-  ASSERT_TRUE(w->Create(nullptr, platform::W("x")));
-  w->ShowWindow(true);
-  // Closed from its own button's click, the usual way for such windows.
-  w->onNotify = [w](TNotifyUI& msg) {
-    if (msg.sType == kNotifyClick) w->Close(1);
-  };
-  QWidget* button = qt::WidgetOf(w->FindControl("Kit_Button"));
-  QMetaObject::invokeMethod(button, "click", Qt::QueuedConnection);
-  ASSERT_TRUE(PumpUntil([&] { return gone; }));
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 }  // namespace
