@@ -56,6 +56,10 @@ class ImWndTest : public ::testing::Test {
   }
   int TabPage() { return window_.FindControl("tabs").GetCurSel(); }
   int ChatPage() { return window_.FindControl("IMWnd_ChatModule").GetCurSel(); }
+  template <class T>
+  bool PostOwned(unsigned msg, T payload) {
+    return service::PostOwned(port_.ChatWindow(), msg, std::make_unique<T>(std::move(payload)));
+  }
   void ClickClose() { window_.SendNotify(window_.FindControl("IMWnd_closebtn"), ui::kNotifyClick); }
 
   CChatTools tools_;
@@ -111,16 +115,18 @@ TEST_F(ImWndTest, HideChatWindowWithoutASharedSessionChangesNothing) {
   host.Uninstall();
 }
 
-TEST_F(ImWndTest, ResizingSetsTheChatRecordHeightTruncatedTowardZero) {
+TEST_F(ImWndTest, MoveMessageMovesTheWindowFreesTheRectangleAndSetsTheChatRecordHeight) {
   for (auto [height, expected] :
        {std::pair{142, 0}, {141, 0}, {140, -1}, {100, -30}, {680, 384}, {143, 0}, {144, 1}}) {
-    EXPECT_EQ(CIMWnd::ChatRecordHeight(height), expected) << height;
+    EXPECT_EQ(CIMWnd::ChatRecordHeight(height), expected) << height;  // truncated toward zero
   }
   ShowAt(680);
-  window_.MoveWindow(ui::Rect{0, 0, 960, 700});
-  int height = window_.GetWindowRect().Height();
+  ASSERT_TRUE(PostOwned(platform::msg::kMoveWindow, ui::Rect{30, 40, 830, 640}));
   EXPECT_TRUE(PumpUntil([&] {
-    return window_.FindControl("ChatRecord").GetFixedHeight() == CIMWnd::ChatRecordHeight(height);
+    ui::Rect r = window_.GetWindowRect();
+    return r.left == 30 && r.top == 40 && r.Width() == 800 &&
+           window_.FindControl("ChatRecord").GetFixedHeight() ==
+               CIMWnd::ChatRecordHeight(r.Height());
   }));
 }
 
@@ -138,50 +144,35 @@ TEST_F(ImWndTest, NetworkStatusMessageSwitchesToTheNetworkPageAndBack) {
   EXPECT_TRUE(PumpUntil([&] { return TabPage() == CIMWnd::kFriendsPage; }));
 }
 
-TEST_F(ImWndTest, MoveMessageMovesTheWindowAndFreesTheRectangle) {
-  ShowAt(680);
-  auto rect = std::make_unique<ui::Rect>(ui::Rect{30, 40, 830, 640});
-  ASSERT_TRUE(service::PostOwned(port_.ChatWindow(), platform::msg::kMoveWindow, std::move(rect)));
-  EXPECT_TRUE(PumpUntil([&] {
-    ui::Rect r = window_.GetWindowRect();
-    return r.left == 30 && r.top == 40 && r.Width() == 800;
-  }));
-}
-
 TEST_F(ImWndTest, ConversationGoneShowsTheEmptyPageOnlyForTheOpenConversation) {
   window_.FindControl("IMWnd_ChatModule").SelectItem(0);
   service::SetCurrentConversation(u"c2c_10002", 1);
   service::SetCurrentPeerId(u"10002");
-  service::PostOwned(port_.ChatWindow(), platform::msg::kConversationDatum,
-                     std::make_unique<WString>(u"c2c_other"));
+  PostOwned(platform::msg::kConversationDatum, WString(u"c2c_other"));
   platform::PostMessage(port_.ChatWindow(), platform::msg::kConversationDatum, 0, 0);
-  PumpUntil([] { return false; }, 50);
+  ui::test::Pump(50);
   EXPECT_EQ(ChatPage(), 0);
   EXPECT_EQ(service::CurrentPeerId(), u"10002");
 
-  service::PostOwned(port_.ChatWindow(), platform::msg::kConversationDatum,
-                     std::make_unique<WString>(u"c2c_10002"));
+  PostOwned(platform::msg::kConversationDatum, WString(u"c2c_10002"));
   EXPECT_TRUE(PumpUntil([&] { return ChatPage() == CIMWnd::kEmptyChatPage; }));
   EXPECT_EQ(service::CurrentPeerId(), u"");
 }
 
 TEST_F(ImWndTest, SdkEventRecordIsDispatchedFreedAndMayAskForARecentListRefresh) {
-  auto listed = std::make_unique<SdkEventRecord>();
-  listed->kind = kSdkEventConversationList;
-  listed->text = R"([{"conv_id":"10002","conv_type":1}])";
   platform::ScopedTraceCapture trace;
-  ASSERT_TRUE(service::PostOwned(port_.ChatWindow(), platform::msg::kSdkEvent, std::move(listed)));
+  SdkEventRecord listed{kSdkEventConversationList, R"([{"conv_id":"10002","conv_type":1}])"};
+  ASSERT_TRUE(PostOwned(platform::msg::kSdkEvent, listed));
   EXPECT_TRUE(PumpUntil([&] { return trace.Contains("DealConvListFunc"); }));
-  PumpUntil([] { return false; }, 30);
+  ui::test::Pump(30);
   window_.passedOn.clear();
   for (uint8_t flag : {1, 0}) {  // of a kind nobody handles
-    auto record = std::make_unique<SdkEventRecord>();
-    record->recent_list_flag = flag;
-    ASSERT_TRUE(
-        service::PostOwned(port_.ChatWindow(), platform::msg::kSdkEvent, std::move(record)));
+    SdkEventRecord record;
+    record.recent_list_flag = flag;
+    ASSERT_TRUE(PostOwned(platform::msg::kSdkEvent, record));
   }
   EXPECT_TRUE(PumpUntil([&] { return trace.Count("kind 0 ignored") == 2; }));
-  PumpUntil([] { return false; }, 30);
+  ui::test::Pump(30);
   auto& seen = window_.passedOn;
   EXPECT_EQ(std::count(seen.begin(), seen.end(), platform::msg::kRecentConversationsChanged), 1);
 }
@@ -239,11 +230,9 @@ TEST_F(ImWndTest, PortRequestsFromAnotherThreadAreCarriedOutByTheWindow) {
 
 TEST_F(ImWndTest, DestroyingFreesPayloadsStillQueued) {
   platform::WindowHandle handle = port_.ChatWindow();
-  ASSERT_TRUE(
-      service::PostOwned(handle, platform::msg::kSdkEvent, std::make_unique<SdkEventRecord>()));
-  ASSERT_TRUE(service::PostOwned(handle, platform::msg::kMoveWindow, std::make_unique<ui::Rect>()));
-  ASSERT_TRUE(
-      service::PostOwned(handle, ui::port_msg::kShowBox, std::make_unique<PortBoxRequest>()));
+  ASSERT_TRUE(PostOwned(platform::msg::kSdkEvent, SdkEventRecord{}));
+  ASSERT_TRUE(PostOwned(platform::msg::kMoveWindow, ui::Rect{}));
+  ASSERT_TRUE(PostOwned(ui::port_msg::kShowBox, PortBoxRequest{}));
   window_.DestroyChatWindow();
   EXPECT_FALSE(window_.IsCreated());
   EXPECT_EQ(port_.ChatWindow(), platform::WindowHandle::kNone);

@@ -66,4 +66,8 @@ inline bool PumpUntil(const std::function<bool()>& done, int milliseconds = 5000
   return true;
 }
 
+inline void Pump(int milliseconds) {
+  PumpUntil([] { return false; }, milliseconds);
+}
+
 }  // namespace ui::test
