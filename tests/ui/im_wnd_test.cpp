@@ -91,7 +91,7 @@ TEST_F(ImWndTest, StartsHiddenAndTwoClicksOnCloseHideWithTheStateKeptForTheNextS
   EXPECT_EQ(window_.FindControl("IMWnd_SessionName").GetText(), u"王工");
   EXPECT_EQ(TabPage(), CIMWnd::kFriendsPage);
   ui::qt::WidgetOf(window_.FindControl("IMWnd_closebtn"))->window()->close();  // from outside
-  EXPECT_FALSE(window_.IsWindowVisible());
+  EXPECT_FALSE(port_.IsWindowVisible());  // the window's own close ran
   EXPECT_TRUE(window_.IsCreated());
 }
 
