@@ -2,79 +2,58 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 namespace ui {
 namespace {
 
-TEST(ParseColor, ReadsTheSkinForms) {
-  struct Case {
-    const char* text;
-    std::optional<std::uint32_t> argb;
-  } cases[] = {
-      {"#FF212830", 0xFF212830u}, {"#ff8d8d8d", 0xFF8D8D8Du}, {"0xFF5DC8CD", 0xFF5DC8CDu},
-      {"#00000000", 0x00000000u}, {"#4EC5CE", 0xFF4EC5CEu},   {" #FFFFFFFF ", 0xFFFFFFFFu},
-      {"FF212830", std::nullopt}, {"#FF21283", std::nullopt}, {"#GG212830", std::nullopt},
-      {"", std::nullopt},         {"#", std::nullopt},        {"#FF2128300", std::nullopt},
+std::string Text(const std::optional<Rect>& r) {
+  if (!r) return "";
+  return std::to_string(r->left) + "," + std::to_string(r->top) + "," + std::to_string(r->right) +
+         "," + std::to_string(r->bottom);
+}
+
+// Every parser's result as one comparable text; "-" is a rejected value.
+std::string Parsed(char parser, const char* text) {
+  if (parser == 'c') {
+    auto argb = ParseColor(text);
+    char hex[16];
+    std::snprintf(hex, sizeof hex, "%08X", argb.value_or(0));
+    return argb ? hex : "-";
+  }
+  if (parser == 'b') {
+    auto b = ParseBool(text);
+    return b ? (*b ? "true" : "false") : "-";
+  }
+  if (parser == 'r') return ParseRect(text) ? Text(ParseRect(text)) : "-";
+  auto image = ParseImageAttribute(text);
+  return image ? image->file + "|" + Text(image->source) + "|" + Text(image->dest) : "-";
+}
+
+TEST(SkinAttributes, ParseTheSkinFormsAndRejectTheRest) {
+  // Each text starts with its parser: c colour, b switch, r rectangle, i image.
+  // clang-format off
+  const std::pair<const char*, const char*> cases[] = {
+      {"c #FF212830", "FF212830"}, {"c #ff8d8d8d", "FF8D8D8D"}, {"c 0xFF5DC8CD", "FF5DC8CD"},
+      {"c #00000000", "00000000"}, {"c #4EC5CE", "FF4EC5CE"}, {"c  #FFFFFFFF ", "FFFFFFFF"},
+      {"c FF212830", "-"}, {"c #FF21283", "-"}, {"c #GG212830", "-"}, {"c ", "-"}, {"c #", "-"},
+      {"c #FF2128300", "-"}, {"b true", "true"}, {"b FALSE", "false"}, {"b  True ", "true"},
+      {"b 1", "-"}, {"b ", "-"}, {"r 36,0,44,8", "36,0,44,8"}, {"r  -1, 2 ,3,4", "-1,2,3,4"},
+      {"r 1,2,3", "-"}, {"r 1,2,3,4,5", "-"}, {"r a,b,c,d", "-"}, {"r ", "-"}, {"r 1,,3,4", "-"},
+      {"i file='..\\img\\UnReadDot.png' source='0,0,0,0' dest='36,0,44,8'",
+       "..\\img\\UnReadDot.png|0,0,0,0|36,0,44,8"},
+      {"i ..\\img\\FriendsList_normal.png", "..\\img\\FriendsList_normal.png||"}, {"i ", "||"},
+      {"i file=\"a b.png\" dest=\"0,0,8,8\"", "a b.png||0,0,8,8"}, {"i file='x.png", "-"},
+      {"i file=x.png", "-"}, {"i file='x.png' dest='1,2'", "-"},
+      {"i file='x.png' corner='1,2,3,4'", "-"}, {"i file='x.png' dest", "-"},
   };
-  for (const Case& c : cases) EXPECT_EQ(ParseColor(c.text), c.argb) << c.text;
+  // clang-format on
+  for (auto [row, expected] : cases) EXPECT_EQ(Parsed(row[0], row + 2), expected) << row;
 }
 
-TEST(ParseBool, AcceptsOnlyTrueAndFalse) {
-  EXPECT_EQ(ParseBool("true"), true);
-  EXPECT_EQ(ParseBool("FALSE"), false);
-  EXPECT_EQ(ParseBool(" True "), true);
-  EXPECT_EQ(ParseBool("1"), std::nullopt);
-  EXPECT_EQ(ParseBool(""), std::nullopt);
-}
-
-TEST(ParseRect, NeedsFourIntegers) {
-  std::optional<Rect> r = ParseRect("36,0,44,8");
-  ASSERT_TRUE(r);
-  EXPECT_EQ(r->left, 36);
-  EXPECT_EQ(r->top, 0);
-  EXPECT_EQ(r->Width(), 8);
-  EXPECT_EQ(r->Height(), 8);
-  EXPECT_TRUE(ParseRect(" -1, 2 ,3,4"));
-  for (const char* bad : {"1,2,3", "1,2,3,4,5", "a,b,c,d", "", "1,,3,4"}) {
-    EXPECT_FALSE(ParseRect(bad)) << bad;
-  }
-}
-
-TEST(ParseImageAttribute, ReadsFileSourceAndDest) {
-  auto image =
-      ParseImageAttribute("file='..\\img\\UnReadDot.png' source='0,0,0,0' dest='36,0,44,8'");
-  ASSERT_TRUE(image);
-  EXPECT_EQ(image->file, "..\\img\\UnReadDot.png");
-  ASSERT_TRUE(image->source);
-  EXPECT_EQ(image->source->Width(), 0);
-  ASSERT_TRUE(image->dest);
-  EXPECT_EQ(image->dest->left, 36);
-  EXPECT_EQ(image->dest->right, 44);
-
-  auto bare = ParseImageAttribute("..\\img\\FriendsList_normal.png");
-  ASSERT_TRUE(bare);
-  EXPECT_EQ(bare->file, "..\\img\\FriendsList_normal.png");
-  EXPECT_FALSE(bare->dest);
-
-  auto none = ParseImageAttribute("");
-  ASSERT_TRUE(none);
-  EXPECT_TRUE(none->file.empty());
-
-  auto doubleQuoted = ParseImageAttribute("file=\"a b.png\" dest=\"0,0,8,8\"");
-  ASSERT_TRUE(doubleQuoted);
-  EXPECT_EQ(doubleQuoted->file, "a b.png");
-
-  for (const char* bad : {"file='x.png", "file=x.png", "file='x.png' dest='1,2'",
-                          "file='x.png' corner='1,2,3,4'", "file='x.png' dest"}) {
-    EXPECT_FALSE(ParseImageAttribute(bad)) << bad;
-  }
-}
-
-TEST(ResolveSkinPath, FollowsBackslashesAndParentFolders) {
-  struct Case {
-    const char* path;
-    const char* base;
-    const char* expected;
-  } cases[] = {
+TEST(SkinAttributes, ResolveSkinPathFollowsBackslashesAndParentFolders) {
+  const char* cases[][3] = {
+      // path, base folder, result
       {"..\\img\\UnReadDot.png", "/opt/app/DuiLibRes/skin", "/opt/app/DuiLibRes/img/UnReadDot.png"},
       {"../img/a.png", "/opt/app/DuiLibRes/skin/", "/opt/app/DuiLibRes/img/a.png"},
       {"x.png", "res\\skin", "res/skin/x.png"},
@@ -83,7 +62,7 @@ TEST(ResolveSkinPath, FollowsBackslashesAndParentFolders) {
       {".\\a\\.\\b.png", "/r", "/r/a/b.png"},
       {"DuiLibRes\\skin\\", "/root", "/root/DuiLibRes/skin"},
   };
-  for (const Case& c : cases) EXPECT_EQ(ResolveSkinPath(c.path, c.base), c.expected) << c.path;
+  for (auto& c : cases) EXPECT_EQ(ResolveSkinPath(c[0], c[1]), c[2]) << c[0];
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QTimer>
 
+#include <algorithm>
 #include <memory>
 #include <thread>
 
@@ -17,12 +18,24 @@
 #include "service/posting.h"
 #include "service/sdk_event_record.h"
 #include "tests/ui/test_window.h"
+#include "ui/kit/qt/control_ref.h"
 #include "ui/main/im_wnd.h"
 #include "ui/port/chat_window_port.h"
 
 namespace {
 
 using ui::test::PumpUntil;
+
+// Records the messages the frame passes on to the kit.
+struct SpyWnd : CIMWnd {
+  using CIMWnd::CIMWnd;
+  std::vector<unsigned> passedOn;
+  ui::LRESULT HandleCustomMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam,
+                                  bool& bHandled) override {
+    passedOn.push_back(uMsg);
+    return CIMWnd::HandleCustomMessage(uMsg, wParam, lParam, bHandled);
+  }
+};
 
 class ImWndTest : public ::testing::Test {
  protected:
@@ -43,14 +56,18 @@ class ImWndTest : public ::testing::Test {
   }
   int TabPage() { return window_.FindControl("tabs").GetCurSel(); }
   int ChatPage() { return window_.FindControl("IMWnd_ChatModule").GetCurSel(); }
+  template <class T>
+  bool PostOwned(unsigned msg, T payload) {
+    return service::PostOwned(port_.ChatWindow(), msg, std::make_unique<T>(std::move(payload)));
+  }
   void ClickClose() { window_.SendNotify(window_.FindControl("IMWnd_closebtn"), ui::kNotifyClick); }
 
   CChatTools tools_;
-  CIMWnd window_{tools_};
+  SpyWnd window_{tools_};
   ui::ChatWindowPort port_{window_};
 };
 
-TEST_F(ImWndTest, StartsHiddenOnTheConversationsPageAndTheEmptyChatPage) {
+TEST_F(ImWndTest, StartsHiddenAndTwoClicksOnCloseHideWithTheStateKeptForTheNextShow) {
   EXPECT_EQ(service::ModuleMutexes().size(), 20u);
   EXPECT_EQ(service::CurrentConvId(), u"error");
   EXPECT_FALSE(window_.IsWindowVisible());
@@ -60,9 +77,6 @@ TEST_F(ImWndTest, StartsHiddenOnTheConversationsPageAndTheEmptyChatPage) {
   EXPECT_TRUE(window_.FindControl("RecentConverBtn").IsSelected());
   EXPECT_FALSE(window_.FindControl("FriendsListBtn").IsSelected());
   EXPECT_NE(port_.ChatWindow(), platform::WindowHandle::kNone);
-}
-
-TEST_F(ImWndTest, TwoClicksOnCloseHideAndDisplayShowsAgainWithStateIntact) {
   ShowAt(680);
   window_.FindControl("IMWnd_SessionName").SetText(u"王工");
   window_.FindControl("tabs").SelectItem(CIMWnd::kFriendsPage);
@@ -76,6 +90,9 @@ TEST_F(ImWndTest, TwoClicksOnCloseHideAndDisplayShowsAgainWithStateIntact) {
   EXPECT_TRUE(window_.IsWindowVisible());
   EXPECT_EQ(window_.FindControl("IMWnd_SessionName").GetText(), u"王工");
   EXPECT_EQ(TabPage(), CIMWnd::kFriendsPage);
+  ui::qt::WidgetOf(window_.FindControl("IMWnd_closebtn"))->window()->close();  // from outside
+  EXPECT_FALSE(port_.IsWindowVisible());  // the window's own close ran
+  EXPECT_TRUE(window_.IsCreated());
 }
 
 TEST_F(ImWndTest, HideChatWindowWithoutASharedSessionChangesNothing) {
@@ -98,22 +115,18 @@ TEST_F(ImWndTest, HideChatWindowWithoutASharedSessionChangesNothing) {
   host.Uninstall();
 }
 
-TEST_F(ImWndTest, ChatRecordHeightFormulaTruncatesTowardZero) {
+TEST_F(ImWndTest, MoveMessageMovesTheWindowFreesTheRectangleAndSetsTheChatRecordHeight) {
   for (auto [height, expected] :
        {std::pair{142, 0}, {141, 0}, {140, -1}, {100, -30}, {680, 384}, {143, 0}, {144, 1}}) {
-    EXPECT_EQ(CIMWnd::ChatRecordHeight(height), expected) << height;
+    EXPECT_EQ(CIMWnd::ChatRecordHeight(height), expected) << height;  // truncated toward zero
   }
-}
-
-TEST_F(ImWndTest, ResizingSetsTheChatRecordHeightFromTheWindowHeight) {
   ShowAt(680);
-  ASSERT_TRUE(PumpUntil([&] { return window_.FindControl("ChatRecord").GetFixedHeight() != 0; }));
-  int height = window_.GetWindowRect().Height();
-  EXPECT_EQ(window_.FindControl("ChatRecord").GetFixedHeight(), CIMWnd::ChatRecordHeight(height));
-  window_.MoveWindow(ui::Rect{0, 0, 960, 700});
-  height = window_.GetWindowRect().Height();
+  ASSERT_TRUE(PostOwned(platform::msg::kMoveWindow, ui::Rect{30, 40, 830, 640}));
   EXPECT_TRUE(PumpUntil([&] {
-    return window_.FindControl("ChatRecord").GetFixedHeight() == CIMWnd::ChatRecordHeight(height);
+    ui::Rect r = window_.GetWindowRect();
+    return r.left == 30 && r.top == 40 && r.Width() == 800 &&
+           window_.FindControl("ChatRecord").GetFixedHeight() ==
+               CIMWnd::ChatRecordHeight(r.Height());
   }));
 }
 
@@ -131,40 +144,37 @@ TEST_F(ImWndTest, NetworkStatusMessageSwitchesToTheNetworkPageAndBack) {
   EXPECT_TRUE(PumpUntil([&] { return TabPage() == CIMWnd::kFriendsPage; }));
 }
 
-TEST_F(ImWndTest, MoveMessageMovesTheWindowAndFreesTheRectangle) {
-  ShowAt(680);
-  auto rect = std::make_unique<ui::Rect>(ui::Rect{30, 40, 830, 640});
-  ASSERT_TRUE(service::PostOwned(port_.ChatWindow(), platform::msg::kMoveWindow, std::move(rect)));
-  EXPECT_TRUE(PumpUntil([&] {
-    ui::Rect r = window_.GetWindowRect();
-    return r.left == 30 && r.top == 40 && r.Width() == 800;
-  }));
-}
-
 TEST_F(ImWndTest, ConversationGoneShowsTheEmptyPageOnlyForTheOpenConversation) {
   window_.FindControl("IMWnd_ChatModule").SelectItem(0);
   service::SetCurrentConversation(u"c2c_10002", 1);
   service::SetCurrentPeerId(u"10002");
-  service::PostOwned(port_.ChatWindow(), platform::msg::kConversationDatum,
-                     std::make_unique<WString>(u"c2c_other"));
+  PostOwned(platform::msg::kConversationDatum, WString(u"c2c_other"));
   platform::PostMessage(port_.ChatWindow(), platform::msg::kConversationDatum, 0, 0);
-  PumpUntil([] { return false; }, 50);
+  ui::test::Pump(50);
   EXPECT_EQ(ChatPage(), 0);
   EXPECT_EQ(service::CurrentPeerId(), u"10002");
 
-  service::PostOwned(port_.ChatWindow(), platform::msg::kConversationDatum,
-                     std::make_unique<WString>(u"c2c_10002"));
+  PostOwned(platform::msg::kConversationDatum, WString(u"c2c_10002"));
   EXPECT_TRUE(PumpUntil([&] { return ChatPage() == CIMWnd::kEmptyChatPage; }));
   EXPECT_EQ(service::CurrentPeerId(), u"");
 }
 
-TEST_F(ImWndTest, SdkEventRecordIsDispatchedAndFreed) {
-  auto record = std::make_unique<SdkEventRecord>();
-  record->kind = kSdkEventConversationList;
-  record->text = R"([{"conv_id":"10002","conv_type":1}])";
+TEST_F(ImWndTest, SdkEventRecordIsDispatchedFreedAndMayAskForARecentListRefresh) {
   platform::ScopedTraceCapture trace;
-  ASSERT_TRUE(service::PostOwned(port_.ChatWindow(), platform::msg::kSdkEvent, std::move(record)));
+  SdkEventRecord listed{kSdkEventConversationList, R"([{"conv_id":"10002","conv_type":1}])"};
+  ASSERT_TRUE(PostOwned(platform::msg::kSdkEvent, listed));
   EXPECT_TRUE(PumpUntil([&] { return trace.Contains("DealConvListFunc"); }));
+  ui::test::Pump(30);
+  window_.passedOn.clear();
+  for (uint8_t flag : {1, 0}) {  // of a kind nobody handles
+    SdkEventRecord record;
+    record.recent_list_flag = flag;
+    ASSERT_TRUE(PostOwned(platform::msg::kSdkEvent, record));
+  }
+  EXPECT_TRUE(PumpUntil([&] { return trace.Count("kind 0 ignored") == 2; }));
+  ui::test::Pump(30);
+  auto& seen = window_.passedOn;
+  EXPECT_EQ(std::count(seen.begin(), seen.end(), platform::msg::kRecentConversationsChanged), 1);
 }
 
 TEST_F(ImWndTest, ScrollTimersScrollTheMessageViewToTheBottomAndTheTop) {
@@ -220,11 +230,9 @@ TEST_F(ImWndTest, PortRequestsFromAnotherThreadAreCarriedOutByTheWindow) {
 
 TEST_F(ImWndTest, DestroyingFreesPayloadsStillQueued) {
   platform::WindowHandle handle = port_.ChatWindow();
-  ASSERT_TRUE(
-      service::PostOwned(handle, platform::msg::kSdkEvent, std::make_unique<SdkEventRecord>()));
-  ASSERT_TRUE(service::PostOwned(handle, platform::msg::kMoveWindow, std::make_unique<ui::Rect>()));
-  ASSERT_TRUE(
-      service::PostOwned(handle, ui::port_msg::kShowBox, std::make_unique<PortBoxRequest>()));
+  ASSERT_TRUE(PostOwned(platform::msg::kSdkEvent, SdkEventRecord{}));
+  ASSERT_TRUE(PostOwned(platform::msg::kMoveWindow, ui::Rect{}));
+  ASSERT_TRUE(PostOwned(ui::port_msg::kShowBox, PortBoxRequest{}));
   window_.DestroyChatWindow();
   EXPECT_FALSE(window_.IsCreated());
   EXPECT_EQ(port_.ChatWindow(), platform::WindowHandle::kNone);

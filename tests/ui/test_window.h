@@ -25,7 +25,6 @@ class RecordingWindow : public WindowImplBase {
   std::vector<platform::WindowMessage> messages;
   int finalMessages = 0;
   bool initWindowRan = false;
-  bool hideOnClose = false;
   std::function<void(TNotifyUI&)> onNotify;
   std::function<LRESULT(unsigned, WPARAM, LPARAM)> onMessage;
 
@@ -51,13 +50,6 @@ class RecordingWindow : public WindowImplBase {
     if (result != 0) return bHandled = true, result;
     return WindowImplBase::HandleCustomMessage(uMsg, wParam, lParam, bHandled);
   }
-  LRESULT OnClose(unsigned, WPARAM, LPARAM, bool& bHandled) override {
-    if (hideOnClose) {
-      ShowWindow(false);
-      bHandled = true;
-    }
-    return 0;
-  }
   void OnFinalMessage() override { ++finalMessages; }
 
  private:
@@ -72,6 +64,10 @@ inline bool PumpUntil(const std::function<bool()>& done, int milliseconds = 5000
     QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
   }
   return true;
+}
+
+inline void Pump(int milliseconds) {
+  PumpUntil([] { return false; }, milliseconds);
 }
 
 }  // namespace ui::test
