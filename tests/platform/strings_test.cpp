@@ -12,6 +12,10 @@ struct Utf8Case {
   std::u16string expected;
 };
 
+void PrintTo(const Utf8Case& c, std::ostream* os) {
+  *os << c.name;
+}
+
 class Utf8Decoding : public testing::TestWithParam<Utf8Case> {};
 
 TEST_P(Utf8Decoding, ReplacesEachBadSequence) {

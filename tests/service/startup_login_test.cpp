@@ -113,6 +113,10 @@ struct SignOutCase {
   const char* trace;
 };
 
+void PrintTo(const SignOutCase& c, std::ostream* os) {
+  *os << c.name;
+}
+
 class SignOutTest : public ServiceTest, public testing::WithParamInterface<SignOutCase> {};
 
 TEST_P(SignOutTest, TellsTheUserLogsOutAndClosesTheDatabase) {
