@@ -10,6 +10,12 @@ set(IM_TEST_SCRATCH ${CMAKE_BINARY_DIR}/test-scratch)
 # leak-checked by the suites that link it directly.
 set(IM_NO_LEAK_CHECK_ASAN_OPTIONS "ASAN_OPTIONS=detect_leaks=0:abort_on_error=1")
 
+# A runtime folder as XDG wants it: only its owner may enter.
+function(im_make_runtime_dir dir)
+  file(MAKE_DIRECTORY ${dir})
+  file(CHMOD ${dir} DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+endfunction()
+
 # im_add_test(<name> SOURCES ... LIBS ... [QT] [NO_LEAK_CHECK])
 # One GoogleTest binary; every test runs with its own data folders so that
 # no test reads or writes the developer's home.
@@ -30,7 +36,7 @@ function(im_add_test name)
   if(ARG_NO_LEAK_CHECK)
     list(APPEND env "${IM_NO_LEAK_CHECK_ASAN_OPTIONS}")
   endif()
-  file(MAKE_DIRECTORY ${scratch}/run)
+  im_make_runtime_dir(${scratch}/run)
   # gtest_discover_tests cannot pass a list-valued ENVIRONMENT property, so
   # every run (discovery included) goes through env(1) instead.
   set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "env;${env}")

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "host/account_id.h"
 #include "host/host_access.h"
 #include "platform/data_folders.h"
 #include "platform/folders.h"
@@ -38,17 +39,6 @@ WString FaceFileName(const WString& url) {
 bool FileExists(const WString& path) {
   std::error_code error;
   return std::filesystem::is_regular_file(platform::ToNativePath(path), error);
-}
-
-// Account ids are decimal numbers; anything else has no host account.
-std::optional<int32_t> AccountIdOf(const WString& id) {
-  if (id.empty() || id.size() > 9) return std::nullopt;
-  int32_t value = 0;
-  for (char16_t c : id) {
-    if (c < u'0' || c > u'9') return std::nullopt;
-    value = value * 10 + (c - u'0');
-  }
-  return value;
 }
 
 }  // namespace
@@ -116,7 +106,7 @@ void CChatTools::GetConvImage(uint32_t convType, const WString& convId, WString&
     }
     if (!found || name.empty()) {
       // A stranger, or a friend without remark and nickname: ask the host.
-      std::optional<int32_t> accountId = AccountIdOf(convId);
+      std::optional<int32_t> accountId = host::AccountIdOfImUser(convId);
       HostCloudService* cloud = host::AcquireCloudService("CChatTools::GetConvImage");
       AccountInfo info;
       if (accountId && cloud != nullptr && cloud->GetAccountInfo(*accountId, info)) {

@@ -2,30 +2,15 @@
 // the service object as user data. Results arrive in friendship_callbacks.cpp.
 #include <json/json.h>
 
+#include "host/account_id.h"
 #include "host/host_access.h"
 #include "imsdk/im_sdk.h"
 #include "platform/trace.h"
 #include "service/chat_tools.h"
+#include "service/sdk_text.h"
 #include "service/sending_json.h"
 
-namespace {
-
-std::string Utf8(const WString& text) {
-  return platform::Utf16ToUtf8(text);
-}
-
-// Account ids are decimal numbers; the host knows no other.
-std::optional<int32_t> HostAccountId(const WString& id) {
-  if (id.empty() || id.size() > 9) return std::nullopt;
-  int32_t value = 0;
-  for (char16_t c : id) {
-    if (c < u'0' || c > u'9') return std::nullopt;
-    value = value * 10 + (c - u'0');
-  }
-  return value;
-}
-
-}  // namespace
+using service::Utf8;
 
 int CChatTools::AddFriend(const WString& id, const WString& source, const WString&) {
   const WString self = UserId();
@@ -62,7 +47,7 @@ int CChatTools::ReportPendencyReaded(uint64_t timeStamp) {
 
 int CChatTools::DeleteFriend(const WString& id) {
   // The host's friendship goes first; it has nothing to report back.
-  if (std::optional<int32_t> accountId = HostAccountId(id)) {
+  if (std::optional<int32_t> accountId = host::AccountIdOfImUser(id)) {
     if (HostCloudService* cloud = host::AcquireCloudService("CChatTools::DeleteFriend  error ")) {
       cloud->RemoveCloudFriend(*accountId);
     }

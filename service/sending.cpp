@@ -9,13 +9,12 @@
 #include "service/callback_owner.h"
 #include "service/chat_tools.h"
 #include "service/posting.h"
+#include "service/sdk_text.h"
 #include "service/sending_json.h"
 
 namespace {
 
-std::string Utf8(const WString& text) {
-  return platform::Utf16ToUtf8(text);
-}
+using service::Utf8;
 
 // Logs "<name> enter!!!!!!" now and "<name> exit!!!!!!" when it goes.
 class EnterExitTrace {

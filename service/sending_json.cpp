@@ -2,14 +2,9 @@
 
 #include <ctime>
 
+#include "service/sdk_text.h"
+
 namespace service {
-namespace {
-
-std::string Utf8(const WString& text) {
-  return platform::Utf16ToUtf8(text);
-}
-
-}  // namespace
 
 uint64_t NowSeconds() {
   return static_cast<uint64_t>(std::time(nullptr));

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <thread>
 
+#include "host/account_id.h"
 #include "host/drawing_sync.h"
 #include "host/feature_use.h"
 #include "host/shared_session.h"
@@ -157,6 +158,14 @@ TEST_F(SessionPaths, UploadWorkersAtOnceEachReportAndAGoneWindowStillFreesTheTas
   window_.Destroy();  // a task left behind fails under the leak checker
   StartUploadWorker(Task(drawing)).join();
   EXPECT_TRUE(trace_.Contains("window gone"));
+}
+
+TEST(AccountId, OnlyDecimalIdsThatFitNameAnAccount) {
+  EXPECT_EQ(AccountIdOfImUser(u"10001"), 10001);
+  EXPECT_EQ(AccountIdOfImUser(u"999999999"), 999999999);
+  for (const char16_t* id : {u"", u"-1", u"12a", u"@TGS#group1", u"1000000000", u"１２"}) {
+    EXPECT_FALSE(AccountIdOfImUser(id)) << platform::Utf16ToUtf8(id);
+  }
 }
 
 }  // namespace
