@@ -32,8 +32,8 @@ void DataFolders::Prepare(const WString& userId) {
     db_ = Under(docs, {u"Vantorel", userId, u"db"});
     download_ = Under(docs, {u"Vantorel", userId, u"cache", u"recv"});
   }
-  for (const WString& folder : {GetLogPath(), GetFacePath(), GetConfigPath(), GetDbPath(),
-                                GetDownloadPath()}) {
+  for (const WString& folder :
+       {GetLogPath(), GetFacePath(), GetConfigPath(), GetDbPath(), GetDownloadPath()}) {
     if (!FolderExists(folder)) CreateFolders(folder);
   }
   ApplyStoredDownloadPath();
@@ -55,10 +55,10 @@ bool DataFolders::SaveDownloadPath(const WString& path) {
   return settings_.WriteString(kSettingsKey, kDownloadPathValue, path);
 }
 
-#define IM_GETTER(name, field)               \
-  WString DataFolders::name() const {        \
-    std::lock_guard lock(mutex_);            \
-    return field;                            \
+#define IM_GETTER(name, field)        \
+  WString DataFolders::name() const { \
+    std::lock_guard lock(mutex_);     \
+    return field;                     \
   }
 IM_GETTER(GetModulePath, module_)
 IM_GETTER(GetDownloadPath, download_)

@@ -46,6 +46,8 @@ bool FolderExists(const WString& path) {
   return std::filesystem::is_directory(ToNativePath(path), ec);
 }
 
-std::string ToNativePath(const WString& path) { return Utf16ToUtf8(path); }
+std::string ToNativePath(const WString& path) {
+  return Utf16ToUtf8(path);
+}
 
 }  // namespace platform

@@ -38,8 +38,7 @@ Json::Value LoadObject(const std::string& file) {
   const std::string text = buffer.str();
   Json::Value root;
   std::string errors;
-  if (!reader->parse(text.data(), text.data() + text.size(), &root, &errors) ||
-      !root.isObject()) {
+  if (!reader->parse(text.data(), text.data() + text.size(), &root, &errors) || !root.isObject()) {
     Trace("SettingsStore: ignoring unreadable settings file %s", file.c_str());
     return Json::Value(Json::objectValue);
   }
@@ -91,8 +90,7 @@ std::optional<WString> FileSettingsStore::ReadString(const WString& key,
   return Utf8ToUtf16(found->asString());
 }
 
-bool FileSettingsStore::WriteString(const WString& key, const WString& name,
-                                    const WString& value) {
+bool FileSettingsStore::WriteString(const WString& key, const WString& name, const WString& value) {
   const std::string file = FileFor(key);
   Json::Value root = LoadObject(file);
   root[Utf16ToUtf8(name)] = Utf16ToUtf8(value);

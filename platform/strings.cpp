@@ -13,7 +13,9 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-bool IsSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
+bool IsSurrogate(char32_t c) {
+  return c >= 0xD800 && c <= 0xDFFF;
+}
 
 // Decodes one code point at bytes[i]; advances i past it. Malformed input
 // yields kReplacement and advances past the longest bad prefix (at least one).
@@ -86,7 +88,9 @@ std::string Utf16ToLeBytes(std::u16string_view utf16) {
 // `skip` tells how many input bytes the bad character at `at` spans.
 using SkipRule = size_t (*)(const char* at, size_t left);
 
-size_t SkipOneByte(const char*, size_t) { return 1; }
+size_t SkipOneByte(const char*, size_t) {
+  return 1;
+}
 
 // A surrogate pair is one character: drop both halves.
 size_t SkipUtf16Char(const char* at, size_t left) {
@@ -202,10 +206,18 @@ bool IsValidUtf8(std::string_view bytes) {
   return true;
 }
 
-std::string Utf16ToGbk(std::u16string_view utf16) { return FromUtf16("GBK", utf16); }
-WString GbkToUtf16(std::string_view gbk) { return ToUtf16("GBK", gbk); }
-std::string Utf16ToAnsi(std::u16string_view utf16) { return FromUtf16(AnsiCodeset(), utf16); }
-WString AnsiToUtf16(std::string_view ansi) { return ToUtf16(AnsiCodeset(), ansi); }
+std::string Utf16ToGbk(std::u16string_view utf16) {
+  return FromUtf16("GBK", utf16);
+}
+WString GbkToUtf16(std::string_view gbk) {
+  return ToUtf16("GBK", gbk);
+}
+std::string Utf16ToAnsi(std::u16string_view utf16) {
+  return FromUtf16(AnsiCodeset(), utf16);
+}
+WString AnsiToUtf16(std::string_view ansi) {
+  return ToUtf16(AnsiCodeset(), ansi);
+}
 
 WString ToUpper(std::u16string_view text) {
   static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));

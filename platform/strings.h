@@ -38,6 +38,8 @@ WString AnsiToUtf16(std::string_view ansi);
 WString ToUpper(std::u16string_view text);
 
 // Convenience for literals in code and tests: u8 text to WString.
-inline WString W(std::string_view utf8) { return Utf8ToUtf16(utf8); }
+inline WString W(std::string_view utf8) {
+  return Utf8ToUtf16(utf8);
+}
 
 }  // namespace platform

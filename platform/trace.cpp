@@ -61,7 +61,9 @@ void WriteLine(std::FILE* file, const std::string& text) {
 
 }  // namespace
 
-bool TraceEnabled() { return State().enabled.load(std::memory_order_relaxed); }
+bool TraceEnabled() {
+  return State().enabled.load(std::memory_order_relaxed);
+}
 
 void Trace(const char* format, ...) {
   TraceState& state = State();

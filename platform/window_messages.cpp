@@ -57,9 +57,13 @@ QueuedWindow::QueuedWindow()
         arrived_.notify_all();
       })) {}
 
-QueuedWindow::~QueuedWindow() { Destroy(); }
+QueuedWindow::~QueuedWindow() {
+  Destroy();
+}
 
-void QueuedWindow::Destroy() { UnregisterWindow(handle_); }
+void QueuedWindow::Destroy() {
+  UnregisterWindow(handle_);
+}
 
 std::optional<WindowMessage> QueuedWindow::Take() {
   std::lock_guard lock(mutex_);

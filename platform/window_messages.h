@@ -66,8 +66,8 @@ class QueuedWindow {
 
 // Custom window messages of the chat window.
 namespace msg {
-inline constexpr unsigned kUploadFinished = 1025;  // WM_USER + 1: drawing upload worker
-inline constexpr unsigned kSdkEvent = 3024;        // heap SdkEventRecord
+inline constexpr unsigned kUploadFinished = 1025;      // WM_USER + 1: drawing upload worker
+inline constexpr unsigned kSdkEvent = 3024;            // heap SdkEventRecord
 inline constexpr unsigned kRefreshMessageView = 3025;  // mode 0..4
 inline constexpr unsigned kFriendRemarkChanged = 3149;
 inline constexpr unsigned kEmoticonChosen = 3153;
