@@ -1,22 +1,27 @@
 #include "ui/kit/qt/window_host.h"
 
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <cstdint>
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSocketNotifier>
 #include <QTextEdit>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include "platform/trace.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/im_list.h"
 
 namespace ui {
 namespace {
-
-const QEvent::Type kWakeEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
 
 // The key codes window code compares with: letters and digits as their
 // characters, Return and Escape as their codes, anything else the toolkit's.
@@ -38,6 +43,26 @@ bool IsDeepest(QWidget* widget, QPointF pos) {
 
 }  // namespace
 
+WindowHost::Mailbox::Mailbox() : wakeFd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  if (wakeFd < 0) platform::Trace("WindowHost: no eventfd, posted messages cannot wake the window");
+}
+
+WindowHost::Mailbox::~Mailbox() {
+  if (wakeFd >= 0) ::close(wakeFd);
+}
+
+void WindowHost::Mailbox::Ring() const {
+  const uint64_t one = 1;
+  // Only a full counter (never reached) makes this fail; the window drains
+  // everything queued whenever it wakes.
+  [[maybe_unused]] ssize_t n = ::write(wakeFd, &one, sizeof one);
+}
+
+void WindowHost::Mailbox::Silence() const {
+  uint64_t count = 0;
+  [[maybe_unused]] ssize_t n = ::read(wakeFd, &count, sizeof count);
+}
+
 class WindowHost::BusyScope {
  public:
   explicit BusyScope(WindowHost* host) : host_(host) { ++host_->busy_; }
@@ -57,13 +82,17 @@ WindowHost::WindowHost(WindowImplBase* window, QWidget* ownerHost, WindowStyle s
   flags |= style == WindowStyle::kPopupTool ? Qt::Tool : Qt::Window;
   setWindowFlags(flags);
   orphanage_->hide();
-  mailbox_->target = this;
+  wakeNotifier_ = new QSocketNotifier(mailbox_->wakeFd, QSocketNotifier::Read, this);
+  connect(wakeNotifier_, &QSocketNotifier::activated, this, [this] {
+    mailbox_->Silence();
+    Drain();
+  });
   handle_ = platform::RegisterWindow([mailbox = mailbox_](const platform::WindowMessage& m) {
     std::lock_guard lock(mailbox->mutex);
     mailbox->queue.push_back(m);
     if (!mailbox->wakePending) {
       mailbox->wakePending = true;
-      QCoreApplication::postEvent(mailbox->target, new QEvent(kWakeEvent));
+      mailbox->Ring();
     }
   });
 }
@@ -181,7 +210,7 @@ void WindowHost::Drain(bool everything) {
         return;
       }
       if (budget == 0 && !everything) {
-        QCoreApplication::postEvent(this, new QEvent(kWakeEvent));  // the rest comes next round
+        mailbox_->Ring();  // the rest comes next round
         return;
       }
       m = mailbox_->queue.front();
@@ -190,13 +219,6 @@ void WindowHost::Drain(bool everything) {
     if (budget > 0) --budget;
     Deliver(m.msg, m.wParam, m.lParam);
   }
-}
-
-// The wake event is the only custom event posted to the host. It is
-// allocated by the posting thread, so it is never read here: TSan cannot see
-// the toolkit's own queue lock, only the mailbox's.
-void WindowHost::customEvent(QEvent*) {
-  Drain();
 }
 
 void WindowHost::changeEvent(QEvent* event) {

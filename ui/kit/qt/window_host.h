@@ -14,6 +14,7 @@
 #include "platform/window_messages.h"
 #include "ui/kit/window_impl_base.h"
 
+class QSocketNotifier;
 class QTimer;
 
 namespace ui {
@@ -51,18 +52,25 @@ class WindowHost : public QDialog {
   void reject() override;
 
  protected:
-  void customEvent(QEvent* event) override;
   void changeEvent(QEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  // Filled by any thread. A poster never calls the toolkit: it rings an
+  // eventfd that the window thread watches, so the only lock shared with
+  // other threads is the mailbox's own.
   struct Mailbox {
+    Mailbox();
+    ~Mailbox();
+    void Ring() const;
+    void Silence() const;
+
     std::mutex mutex;
     std::deque<platform::WindowMessage> queue;
     bool wakePending = false;
-    QObject* target = nullptr;  // valid while the handle is registered
+    int wakeFd = -1;
   };
   class BusyScope;
 
@@ -74,6 +82,7 @@ class WindowHost : public QDialog {
   QWidget* root_ = nullptr;
   QWidget* orphanage_;
   std::shared_ptr<Mailbox> mailbox_;
+  QSocketNotifier* wakeNotifier_ = nullptr;
   platform::WindowHandle handle_ = platform::WindowHandle::kNone;
   std::map<unsigned, QTimer*> timers_;
   int busy_ = 0;
