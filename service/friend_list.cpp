@@ -8,6 +8,7 @@
 #include "service/chat_tools.h"
 #include "service/posting.h"
 #include "service/sdk_text.h"
+#include "service/sending_json.h"
 
 int CChatTools::RequestFriendList() {
   platform::Trace("获取好友列表 开始!!!");
@@ -37,10 +38,8 @@ void CChatTools::UpdateFriendList(const std::string& json) {
 int CChatTools::ModifySelfAddPermission() {
   Json::Value param;
   param["user_profile_item_add_permission"] = static_cast<int>(kTIMAddPermission_NeedConfirm);
-  Json::StreamWriterBuilder writer;
-  writer["indentation"] = "";
   int ret = TIMProfileModifySelfUserProfile(
-      Json::writeString(writer, param).c_str(),
+      service::CompactText(param).c_str(),
       [](int32_t code, const char* desc, const char* json, void*) {
         if (code != 0) {
           platform::Trace("修改自己的资料 失败!!! code:%u ,desc:%s ,json_param:%s",

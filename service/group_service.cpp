@@ -9,16 +9,11 @@
 #include "service/chat_tools.h"
 #include "service/posting.h"
 #include "service/sdk_text.h"
+#include "service/sending_json.h"
 
 using service::OrEmpty;
 
 namespace {
-
-std::string ToText(const Json::Value& value) {
-  Json::StreamWriterBuilder writer;
-  writer["indentation"] = "";
-  return Json::writeString(writer, value);
-}
 
 WString StringOf(const Json::Value& object, const char* key) {
   const Json::Value& value = object[key];
@@ -166,7 +161,8 @@ void CChatTools::FollowUpGroupAction(const host::GroupActionRequest& request, co
       Json::Value param;
       param["group_delete_member_param_group_id"] = groupId;
       param["group_delete_member_param_identifier_array"] = IdArray(request.members);
-      ret = TIMGroupDeleteMember(ToText(param).c_str(), &CChatTools::TIMGroupActionFunc, this);
+      ret = TIMGroupDeleteMember(service::CompactText(param).c_str(),
+                                 &CChatTools::TIMGroupActionFunc, this);
       break;
     }
     case host::GroupAction::kLeave:
@@ -179,14 +175,16 @@ void CChatTools::FollowUpGroupAction(const host::GroupActionRequest& request, co
       Json::Value param;
       param["group_invite_member_param_group_id"] = groupId;
       param["group_invite_member_param_identifier_array"] = IdArray(request.members);
-      ret = TIMGroupInviteMember(ToText(param).c_str(), &CChatTools::TIMGroupActionFunc, this);
+      ret = TIMGroupInviteMember(service::CompactText(param).c_str(),
+                                 &CChatTools::TIMGroupActionFunc, this);
       break;
     }
     case host::GroupAction::kRename: {
       Json::Value param;
       param["group_modify_info_param_group_id"] = groupId;
       param["group_modify_info_param_group_name"] = platform::Utf16ToUtf8(request.newName);
-      ret = TIMGroupModifyGroupInfo(ToText(param).c_str(), &CChatTools::TIMGroupActionFunc, this);
+      ret = TIMGroupModifyGroupInfo(service::CompactText(param).c_str(),
+                                    &CChatTools::TIMGroupActionFunc, this);
       break;
     }
   }
@@ -214,7 +212,8 @@ bool CChatTools::CreateGroup(const WString& name, const CloudMemberList& members
     memberArray.append(entry);
   }
   param["create_group_param_group_member_array"] = memberArray;
-  int ret = TIMGroupCreate(ToText(param).c_str(), &CChatTools::TIMGroupActionFunc, this);
+  int ret =
+      TIMGroupCreate(service::CompactText(param).c_str(), &CChatTools::TIMGroupActionFunc, this);
   if (ret != 0) {
     platform::Trace("创建群组 失败!!! ret:%d", ret);
     return false;
@@ -229,7 +228,8 @@ host::OwnerTransferResult CChatTools::TransferGroupOwner(const WString& imGroupI
     Json::Value param;
     param["group_modify_info_param_group_id"] = platform::Utf16ToUtf8(imGroupId);
     param["group_modify_info_param_owner"] = std::to_string(request.newOwnerId);
-    int ret = TIMGroupModifyGroupInfo(ToText(param).c_str(), &CChatTools::TIMGroupActionFunc, this);
+    int ret = TIMGroupModifyGroupInfo(service::CompactText(param).c_str(),
+                                      &CChatTools::TIMGroupActionFunc, this);
     if (ret != 0) platform::Trace("转让群主 失败!!! ret:%d", ret);
   });
 }

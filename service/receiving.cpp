@@ -9,15 +9,10 @@
 #include "service/chat_tools.h"
 #include "service/current_conversation.h"
 #include "service/posting.h"
+#include "service/sending_json.h"
 #include "store/chat_db.h"
 
 namespace {
-
-std::string ToText(const Json::Value& value) {
-  Json::StreamWriterBuilder writer;
-  writer["indentation"] = "";
-  return Json::writeString(writer, value);
-}
 
 bool IsChatConversation(uint32_t convType) {
   return convType == 1 || convType == 2;
@@ -39,7 +34,8 @@ void CChatTools::GetMsgList(const WString& convId, uint32_t convType, uint32_t c
   param["msg_getmsglist_param_is_forward"] = false;
   param["msg_getmsglist_param_count"] = count;
   int ret = TIMMsgGetMsgList(platform::Utf16ToUtf8(convId).c_str(), static_cast<int32_t>(convType),
-                             ToText(param).c_str(), &CChatTools::TIMMsgGetMsgListFunc, this);
+                             service::CompactText(param).c_str(), &CChatTools::TIMMsgGetMsgListFunc,
+                             this);
   if (ret != 0) platform::Trace("获取指定会话的消息列表 !!! ret %d", ret);
   platform::Trace("获取指定会话的消息列表 结束!!!");
 }

@@ -17,19 +17,7 @@ using service::OrEmpty;
 
 namespace {
 
-// " enter!!!!!!" on construction, " exit!!!!!!" when the callback ends.
-class CallbackTrace {
- public:
-  explicit CallbackTrace(const char* name) : name_(name) {
-    platform::Trace("%s enter!!!!!!", name_);
-  }
-  ~CallbackTrace() { platform::Trace("%s exit!!!!!!", name_); }
-  CallbackTrace(const CallbackTrace&) = delete;
-  CallbackTrace& operator=(const CallbackTrace&) = delete;
-
- private:
-  const char* name_;
-};
+using CallbackTrace = service::EnterExitTrace;
 
 void PostEvent(CChatTools& tools, uint32_t kind, const char* json, uint8_t flag1 = 0,
                uint8_t flag2 = 0) {

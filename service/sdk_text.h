@@ -5,12 +5,27 @@
 #include <string>
 
 #include "platform/strings.h"
+#include "platform/trace.h"
 
 namespace service {
 
 inline std::string Utf8(const WString& text) {
   return platform::Utf16ToUtf8(text);
 }
+
+// Traces "<name> enter!!!!!!" now and "<name> exit!!!!!!" when it goes.
+class EnterExitTrace {
+ public:
+  explicit EnterExitTrace(const char* name) : name_(name) {
+    platform::Trace("%s enter!!!!!!", name_);
+  }
+  ~EnterExitTrace() { platform::Trace("%s exit!!!!!!", name_); }
+  EnterExitTrace(const EnterExitTrace&) = delete;
+  EnterExitTrace& operator=(const EnterExitTrace&) = delete;
+
+ private:
+  const char* name_;
+};
 
 inline const char* OrEmpty(const char* text) {
   return text != nullptr ? text : "";

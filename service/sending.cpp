@@ -16,17 +16,7 @@ namespace {
 
 using service::Utf8;
 
-// Logs "<name> enter!!!!!!" now and "<name> exit!!!!!!" when it goes.
-class EnterExitTrace {
- public:
-  explicit EnterExitTrace(const char* name) : name_(name) {
-    platform::Trace("%s enter!!!!!!", name_);
-  }
-  ~EnterExitTrace() { platform::Trace("%s exit!!!!!!", name_); }
-
- private:
-  const char* name_;
-};
+using service::EnterExitTrace;
 
 Json::Value OneElem(Json::Value elem) {
   Json::Value array(Json::arrayValue);

@@ -8,16 +8,7 @@
 #include "platform/trace.h"
 #include "service/chat_tools.h"
 #include "service/sdk_text.h"
-
-namespace {
-
-std::string ToText(const Json::Value& value) {
-  Json::StreamWriterBuilder writer;
-  writer["indentation"] = "";
-  return Json::writeString(writer, value);
-}
-
-}  // namespace
+#include "service/sending_json.h"
 
 void CChatTools::Init() {
   platform::Trace("CChatTools::Init enter!!!!!!");
@@ -44,7 +35,7 @@ Json::Value CChatTools::BuildUserConfig() {
 
 void CChatTools::SetConfig() {
   platform::Trace("设置额外的用户配置开始!!!");
-  std::string text = ToText(BuildUserConfig());
+  std::string text = service::CompactText(BuildUserConfig());
   int ret = TIMSetConfig(text.c_str(), &CChatTools::TIMSetConfigFunc, this);
   if (ret != 0) {
     platform::Trace("设置额外的用户配置失败 error:%d", ret);
@@ -59,7 +50,7 @@ void CChatTools::InitSdk() {
   Json::Value config;
   config["sdk_config_log_file_path"] = platform::Utf16ToUtf8(folders.GetLogPath());
   config["sdk_config_config_file_path"] = platform::Utf16ToUtf8(folders.GetConfigPath());
-  int ret = TIMInit(kImAppId, ToText(config).c_str());
+  int ret = TIMInit(kImAppId, service::CompactText(config).c_str());
   if (ret != 0) {
     // Start-up goes on: the callbacks are registered all the same and
     // TIMInit is not tried again in this process.
