@@ -129,6 +129,11 @@ size_t CChatTools::RecentCount() const {
   return recent_.size();
 }
 
+size_t CChatTools::ConversationCount() const {
+  std::lock_guard lock(cache_mutex_);
+  return conversations_.size();
+}
+
 bool CChatTools::HasConversation(const WString& convId) const {
   std::lock_guard lock(cache_mutex_);
   return conversations_.count(convId) != 0;

@@ -162,6 +162,7 @@ class CChatTools {
   // The conversation set: every conversation the service knows, with its
   // last message.
   bool HasConversation(const WString& convId) const;
+  size_t ConversationCount() const;
   std::optional<ConversationInfo_Stru> FindConversation(const WString& convId) const;
   // A message the module adds itself (a local notice): it becomes the
   // conversation's last message and goes to the new-message cache, which the

@@ -8,7 +8,9 @@
 #include "platform/folders.h"
 #include "platform/trace.h"
 #include "service/chat_tools.h"
+#include "service/conversation_faces.h"
 
+namespace service {
 namespace {
 
 const WString kPersonDefaultImage = u"..\\img\\PersonDefaultImg.png";
@@ -36,12 +38,62 @@ WString FaceFileName(const WString& url) {
   return platform::Utf8ToUtf16(digits) + extension;
 }
 
-bool FileExists(const WString& path) {
-  std::error_code error;
-  return std::filesystem::is_regular_file(platform::ToNativePath(path), error);
+}  // namespace
+
+WString FaceCachePath(const WString& faceUrl) {
+  if (faceUrl.empty()) return {};
+  WString folder = platform::DataFolders::Instance().GetFacePath();
+  return folder.empty() ? WString() : platform::JoinPath(folder, FaceFileName(faceUrl));
 }
 
-}  // namespace
+bool FaceFileExists(const WString& path) {
+  std::error_code error;
+  return !path.empty() && std::filesystem::is_regular_file(platform::ToNativePath(path), error);
+}
+
+bool DownloadFace(const WString& faceUrl, const WString& path) {
+  HostCloudService* cloud = host::AcquireCloudService("CChatTools::GetConvImage");
+  if (cloud == nullptr) return false;
+  if (!cloud->DownloadPicture(faceUrl.c_str(), path.c_str()) || !FaceFileExists(path)) {
+    platform::Trace("下载图片失败!!!");
+    return false;
+  }
+  return true;
+}
+
+ConversationFace LookUpConversationFace(const CChatTools& tools, uint32_t convType,
+                                        const WString& convId) {
+  ConversationFace face;
+  if (convType == 2) {
+    std::optional<GroupInfo> group = tools.FindGroup(convId);
+    face.defaultImage = kGroupDefaultImage;
+    if (group) {
+      face.name = group->name;
+      face.faceUrl = group->face_url;
+    }
+    return face;
+  }
+  face.defaultImage = kPersonDefaultImage;
+  std::optional<FriendsList_Stru> found = tools.FindFriend(convId);
+  if (found) {
+    face.name = CChatTools::FriendDisplayName(*found);
+    face.faceUrl = found->profile.face_url;
+  }
+  if (!found || face.name.empty()) {
+    // A stranger, or a friend without remark and nickname: ask the host.
+    std::optional<int32_t> accountId = host::AccountIdOfImUser(convId);
+    HostCloudService* cloud = host::AcquireCloudService("CChatTools::GetConvImage");
+    AccountInfo info;
+    if (accountId && cloud != nullptr && cloud->GetAccountInfo(*accountId, info)) {
+      if (face.name.empty()) face.name = info.displayName;
+      if (face.faceUrl.empty()) face.faceUrl = info.avatarUrl;
+    }
+    if (face.name.empty()) face.name = convId;
+  }
+  return face;
+}
+
+}  // namespace service
 
 WString CChatTools::GetConvNickName(uint32_t convType, const WString& convId) {
   platform::Trace("CChatTools::GetConvNickName!!!!!!");
@@ -76,47 +128,18 @@ uint32_t CChatTools::GetCurrenConvType(const WString& convId) {
 }
 
 WString CChatTools::FacePathFor(const WString& faceUrl, const WString& fallback) {
-  if (faceUrl.empty()) return fallback;
-  WString folder = platform::DataFolders::Instance().GetFacePath();
-  if (folder.empty()) return fallback;
-  WString path = platform::JoinPath(folder, FaceFileName(faceUrl));
-  if (FileExists(path)) return path;
-  HostCloudService* cloud = host::AcquireCloudService("CChatTools::GetConvImage");
-  if (cloud == nullptr) return fallback;
-  if (!cloud->DownloadPicture(faceUrl.c_str(), path.c_str()) || !FileExists(path)) {
-    platform::Trace("下载图片失败!!!");
-    return fallback;
-  }
-  return path;
+  WString path = service::FaceCachePath(faceUrl);
+  if (path.empty()) return fallback;
+  if (service::FaceFileExists(path) || service::DownloadFace(faceUrl, path)) return path;
+  return fallback;
 }
 
 void CChatTools::GetConvImage(uint32_t convType, const WString& convId, WString& imagePath,
                               WString& name) {
   platform::Trace("GetConvImage enter!!!!!!");
-  if (convType == 2) {
-    std::optional<GroupInfo> group = FindGroup(convId);
-    name = group ? group->name : WString();
-    imagePath = FacePathFor(group ? group->face_url : WString(), kGroupDefaultImage);
-  } else {
-    std::optional<FriendsList_Stru> found = FindFriend(convId);
-    WString faceUrl;
-    if (found) {
-      name = FriendDisplayName(*found);
-      faceUrl = found->profile.face_url;
-    }
-    if (!found || name.empty()) {
-      // A stranger, or a friend without remark and nickname: ask the host.
-      std::optional<int32_t> accountId = host::AccountIdOfImUser(convId);
-      HostCloudService* cloud = host::AcquireCloudService("CChatTools::GetConvImage");
-      AccountInfo info;
-      if (accountId && cloud != nullptr && cloud->GetAccountInfo(*accountId, info)) {
-        if (name.empty()) name = info.displayName;
-        if (faceUrl.empty()) faceUrl = info.avatarUrl;
-      }
-      if (name.empty()) name = convId;
-    }
-    imagePath = FacePathFor(faceUrl, kPersonDefaultImage);
-  }
+  service::ConversationFace face = service::LookUpConversationFace(*this, convType, convId);
+  name = face.name;
+  imagePath = FacePathFor(face.faceUrl, face.defaultImage);
   platform::Trace("GetConvImage exit!!!!!!");
 }
 

@@ -26,14 +26,13 @@ namespace {
 
 using ui::test::PumpUntil;
 
-// Records the messages the frame passes on to the kit.
+// Records the messages the window receives.
 struct SpyWnd : CIMWnd {
   using CIMWnd::CIMWnd;
-  std::vector<unsigned> passedOn;
-  ui::LRESULT HandleCustomMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam,
-                                  bool& bHandled) override {
-    passedOn.push_back(uMsg);
-    return CIMWnd::HandleCustomMessage(uMsg, wParam, lParam, bHandled);
+  std::vector<unsigned> received;
+  ui::LRESULT HandleMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam) override {
+    received.push_back(uMsg);
+    return CIMWnd::HandleMessage(uMsg, wParam, lParam);
   }
 };
 
@@ -165,7 +164,7 @@ TEST_F(ImWndTest, SdkEventRecordIsDispatchedFreedAndMayAskForARecentListRefresh)
   ASSERT_TRUE(PostOwned(platform::msg::kSdkEvent, listed));
   EXPECT_TRUE(PumpUntil([&] { return trace.Contains("DealConvListFunc"); }));
   ui::test::Pump(30);
-  window_.passedOn.clear();
+  window_.received.clear();
   for (uint8_t flag : {1, 0}) {  // of a kind nobody handles
     SdkEventRecord record;
     record.recent_list_flag = flag;
@@ -173,7 +172,7 @@ TEST_F(ImWndTest, SdkEventRecordIsDispatchedFreedAndMayAskForARecentListRefresh)
   }
   EXPECT_TRUE(PumpUntil([&] { return trace.Count("kind 0 ignored") == 2; }));
   ui::test::Pump(30);
-  auto& seen = window_.passedOn;
+  auto& seen = window_.received;
   EXPECT_EQ(std::count(seen.begin(), seen.end(), platform::msg::kRecentConversationsChanged), 1);
 }
 

@@ -10,6 +10,7 @@
 #include "tests/ui/test_window.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/resources.h"
+#include "ui/kit/row_list.h"
 
 namespace ui::test {
 namespace {
@@ -64,12 +65,15 @@ TEST(Skins, MainWindowPagesAndListsAreWhereTheWindowExpectsThem) {
   EXPECT_TRUE(w.FindControl("ConversationList").IsInside(w.FindControl("IMWnd_Col2")));
   EXPECT_TRUE(w.FindControl("IMSetUp").IsInside(w.FindControl("IMWnd_Col1")));
   EXPECT_TRUE(w.FindControl("FriendList_Info_Image").IsInside(w.FindControl("IMWnd_ChatModule")));
-  const char* lists[] = {"ConversationList", "FriendsList", "Friend_Request_List", "GroupsList",
-                         "HisRecordList"};
+  const char* lists[] = {"FriendsList", "Friend_Request_List", "GroupsList", "HisRecordList"};
   for (const char* name : lists) {
     Control item = w.CreateFromSkin("friend_list_item.xml");
     EXPECT_TRUE(w.FindControl(name).Add(item)) << name;
   }
+  // The conversations are rows drawn from their template.
+  RowList rows(w.FindControl("ConversationList"));
+  ASSERT_TRUE(rows);
+  EXPECT_TRUE(rows.SetTemplate("Conver_list_item.xml", 80));
 }
 
 TEST(Skins, ItemTemplatesHaveTheirNamesAndSubControls) {

@@ -2,8 +2,11 @@
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPixmapCache>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStackedWidget>
@@ -70,7 +73,11 @@ bool ApplyImage(QWidget* w, const std::string& slot, const std::string& value) {
   qt::ImageLayer::Image layerImage;
   if (!image->file.empty()) {
     QString path = QString::fromStdString(ResolveSkinPath(image->file, SkinFolderOf(w)));
-    layerImage.pixmap = QPixmap(path);
+    // Row lists apply their images whenever a row is drawn: load each file once.
+    if (!QPixmapCache::find(path, &layerImage.pixmap)) {
+      layerImage.pixmap = QPixmap(path);
+      if (!layerImage.pixmap.isNull()) QPixmapCache::insert(path, layerImage.pixmap);
+    }
     if (layerImage.pixmap.isNull()) {
       platform::Trace("SetAttribute: cannot load image %s", path.toUtf8().constData());
       return false;
@@ -375,6 +382,21 @@ void Control::SetReadOnly(bool readOnly) {
   QWidget* w = qt::WidgetOf(*this);
   if (auto* edit = qobject_cast<QLineEdit*>(w)) edit->setReadOnly(readOnly);
   if (auto* rich = qobject_cast<QTextEdit*>(w)) rich->setReadOnly(readOnly);
+}
+
+void Control::PasteText() {
+  QWidget* w = qt::WidgetOf(*this);
+  QString text = QGuiApplication::clipboard()->text();
+  if (auto* edit = qobject_cast<QLineEdit*>(w); edit && !edit->isReadOnly()) edit->insert(text);
+  if (auto* rich = qobject_cast<QTextEdit*>(w); rich && !rich->isReadOnly()) {
+    rich->insertPlainText(text);
+  }
+}
+
+void Control::Cut() {
+  QWidget* w = qt::WidgetOf(*this);
+  if (auto* edit = qobject_cast<QLineEdit*>(w)) edit->cut();
+  if (auto* rich = qobject_cast<QTextEdit*>(w)) rich->cut();
 }
 
 void Control::Delete() {

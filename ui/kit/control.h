@@ -105,6 +105,10 @@ class Control {
   // Edits and rich edits.
   void SetSelAll();
   void SetReadOnly(bool readOnly);
+  // The clipboard's text inserted as plain text at the caret (pictures and
+  // formatting are left out), and cutting the selection.
+  void PasteText();
+  void Cut();
 
   // Deletes a control that no one else owns (a template item never added).
   void Delete();

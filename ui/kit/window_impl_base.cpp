@@ -6,6 +6,7 @@
 
 #include "platform/trace.h"
 #include "ui/kit/qt/control_ref.h"
+#include "ui/kit/qt/row_list_view.h"
 #include "ui/kit/qt/skin_loader.h"
 #include "ui/kit/qt/window_host.h"
 #include "ui/kit/resources.h"
@@ -139,7 +140,16 @@ Control WindowImplBase::FindControl(std::string_view name) const {
 
 Control WindowImplBase::FindControlAt(Point point) const {
   if (!host_) return {};
-  return qt::MakeControl(qt::NearestControl(host_->childAt(QPoint(point.x, point.y))));
+  QPoint at(point.x, point.y);
+  QWidget* deepest = host_->childAt(at);
+  if (!deepest) return {};
+  return qt::MakeControl(qt::ControlUnder(deepest, deepest->mapFrom(host_, at)));
+}
+
+Point WindowImplBase::ClientToScreen(Point point) const {
+  if (!host_) return point;
+  QPoint screen = host_->mapToGlobal(QPoint(point.x, point.y));
+  return Point{screen.x(), screen.y()};
 }
 
 Control WindowImplBase::CreateFromSkin(std::string_view skinFile) {

@@ -90,6 +90,8 @@ class WindowImplBase {
   Control FindControl(std::string_view name) const;
   // The deepest control at a point in window coordinates.
   Control FindControlAt(Point point) const;
+  // A point of the window's client area in screen coordinates.
+  Point ClientToScreen(Point point) const;
   // A list item or sub-window built from a template skin (file name relative
   // to the skin folder). It belongs to this window until added to a list;
   // empty on failure.
@@ -127,6 +129,7 @@ class WindowImplBase {
 
  private:
   friend class WindowHost;
+  friend class PopupMenu;
   void DestroyWindow(int code);
 
   WindowImplBase* owner_ = nullptr;

@@ -3,11 +3,11 @@
 #include <QApplication>
 #include <QWidget>
 
-#include "host/host_access.h"
 #include "platform/trace.h"
 #include "service/chat_tools.h"
 #include "service/current_conversation.h"
 #include "service/named_mutexes.h"
+#include "ui/main/unread_dots.h"
 
 namespace {
 
@@ -25,7 +25,8 @@ QWidget* HostFrame(void* parent) {
 
 }  // namespace
 
-CIMWnd::CIMWnd(CChatTools& tools) : tools_(tools) {
+CIMWnd::CIMWnd(CChatTools& tools)
+    : tools_(tools), conversationSource_(service::MakeConversationListSource(tools)) {
   service::CreateModuleMutexes();
   service::ForgetCurrentConversation();
 }
@@ -73,27 +74,29 @@ void CIMWnd::DestroyChatWindow() {
 
 void CIMWnd::OnDuiWindowInit() {
   Init();
+  conversations_->UpdateRencentConvList();
   handle_.store(GetHWND());
 }
 
-void CIMWnd::Init() {
-  searchEdit_ = FindControl("IMWnd_searchEdit");
-  friendsList_ = FindControl("FriendsList");
-  conversationList_ = FindControl("ConversationList");
-  recentConverBtn_ = FindControl("RecentConverBtn");
-  friendsListBtn_ = FindControl("FriendsListBtn");
-  friendRequestList_ = FindControl("Friend_Request_List");
-  sessionName_ = FindControl("IMWnd_SessionName");
-  hisRecordList_ = FindControl("HisRecordList");
-  composer_ = FindControl("ChatWindow_SendrichEdit");
-  tabs_ = FindControl("tabs");
-  chatModule_ = FindControl("IMWnd_ChatModule");
+void CIMWnd::MakePanes() {
+  conversations_ = std::make_unique<ui::main::ConversationListPane>(*this, controls_,
+                                                                    *conversationSource_, *this);
+  conversations_->SetUp();
+  messageView_ = std::make_unique<ui::main::MessageViewRoutes>();
+  composer_ = std::make_unique<ui::main::ComposerRoutes>(controls_.composer);
+  friends_ = std::make_unique<ui::main::FriendListRoutes>();
+  dialogs_ = std::make_unique<ui::main::DialogRoutes>();
+}
 
-  hisRecordList_.SetChildPadding(10);
-  friendsListBtn_.Selected(false, true);
-  recentConverBtn_.Selected(true, true);
-  tabs_.SelectItem(kConversationsPage);
-  chatModule_.SelectItem(kEmptyChatPage);
+void CIMWnd::Init() {
+  controls_.LookUp(*this);
+  MakePanes();
+  controls_.hisRecordList.SetChildPadding(10);
+  controls_.friendsListBtn.Selected(false, true);
+  controls_.recentConverBtn.Selected(true, true);
+  ui::main::SetPageButtonImages(controls_.recentConverBtn, controls_.friendsListBtn, true);
+  controls_.tabs.SelectItem(kConversationsPage);
+  controls_.chatModule.SelectItem(kEmptyChatPage);
 }
 
 void CIMWnd::SetCompactControlsVisible(bool visible) {
@@ -102,10 +105,7 @@ void CIMWnd::SetCompactControlsVisible(bool visible) {
 
 void CIMWnd::HideChatWindow() {
   platform::Trace("HideChatWindow enter!!!!!!");
-  HostAppService* app = host::AcquireAppService("CIMWnd::HideChatWindow error ");
-  if (app != nullptr && app->IsInSharedSession()) {
-    SetCompactControlsVisible(false);
-  }
+  if (conversations_ && conversations_->OpenSharedSession()) SetCompactControlsVisible(false);
   platform::Trace("HideChatWindow exit!!!!!!");
 }
 
@@ -114,14 +114,15 @@ void CIMWnd::DisplayChatWindow() {
 }
 
 void CIMWnd::SetNetworkStatus() {
-  if (tabs_ && recentConverBtn_ && friendsListBtn_) {
+  ui::main::MainControls& c = controls_;
+  if (c.tabs && c.recentConverBtn && c.friendsListBtn) {
     if (tools_.NetworkStatus() == kNetworkDownStatus) {
-      tabs_.SelectItem(kNetworkDownPage);
-    } else if (tabs_.GetCurSel() == kNetworkDownPage) {
-      if (recentConverBtn_.IsSelected()) {
-        tabs_.SelectItem(kConversationsPage);
-      } else if (friendsListBtn_.IsSelected()) {
-        tabs_.SelectItem(kFriendsPage);
+      c.tabs.SelectItem(kNetworkDownPage);
+    } else if (c.tabs.GetCurSel() == kNetworkDownPage) {
+      if (c.recentConverBtn.IsSelected()) {
+        c.tabs.SelectItem(kConversationsPage);
+      } else if (c.friendsListBtn.IsSelected()) {
+        c.tabs.SelectItem(kFriendsPage);
       }
     }
   }
@@ -129,14 +130,14 @@ void CIMWnd::SetNetworkStatus() {
 }
 
 void CIMWnd::ResetChatWindow() {
-  conversationList_.RemoveAll();
-  friendsList_.RemoveAll();
-  friendRequestList_.RemoveAll();
-  hisRecordList_.RemoveAll();
-  composer_.SetText(WString());
-  sessionName_.SetText(WString());
+  if (conversations_) conversations_->rows().RemoveAll();
+  controls_.friendsList.RemoveAll();
+  controls_.friendRequestList.RemoveAll();
+  controls_.hisRecordList.RemoveAll();
+  controls_.composer.SetText(WString());
+  controls_.sessionName.SetText(WString());
   service::ForgetCurrentConversation();
-  chatModule_.SelectItem(kEmptyChatPage);
+  controls_.chatModule.SelectItem(kEmptyChatPage);
 }
 
 void CIMWnd::ShowChat(bool activate) {

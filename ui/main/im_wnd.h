@@ -1,10 +1,10 @@
 #pragma once
-// CIMWnd: the module's one chat window (skin "IMWnd.xml"). This file holds
-// its frame: construction at library load, creation under the host's frame,
-// start-up of the skin, the normal and compact (shared chat) layouts, the
-// network-down page, hiding on close, and the custom messages that the
-// service layer posts to it. The lists, the message view and the composer
-// add their own handlers.
+// CIMWnd: the module's one chat window (skin "IMWnd.xml"). It owns the
+// frame (construction at library load, creation under the host's frame, the
+// normal and compact layouts, the network-down page, hiding on close) and
+// routes every notification, click, menu command and window message to the
+// pane that acts on it (pane_routes.h, conversation_list_pane.h): one line
+// per route, no pane's body here.
 //
 // Threads: everything runs on the user-interface thread except the few
 // members marked "any thread", which the window port uses from the SDK's
@@ -15,9 +15,16 @@
 #include <string>
 #include <thread>
 
+#include <memory>
+#include <optional>
+
 #include "platform/strings.h"
 #include "platform/window_messages.h"
+#include "service/panes/conversation_list_source.h"
 #include "ui/kit/window_impl_base.h"
+#include "ui/main/conversation_list_pane.h"
+#include "ui/main/main_controls.h"
+#include "ui/main/pane_routes.h"
 
 class CChatTools;
 
@@ -37,13 +44,13 @@ struct PortBoxRequest {
   WString text;
 };
 
-class CIMWnd : public ui::WindowImplBase {
+class CIMWnd : public ui::WindowImplBase, public ui::main::ChatNavigator {
  public:
   // Left-hand pages of "tabs" and the right-hand empty page.
-  static constexpr int kConversationsPage = 0;
-  static constexpr int kFriendsPage = 1;
-  static constexpr int kNetworkDownPage = 3;
-  static constexpr int kEmptyChatPage = 4;
+  static constexpr int kConversationsPage = ui::main::kConversationsPage;
+  static constexpr int kFriendsPage = ui::main::kFriendsPage;
+  static constexpr int kNetworkDownPage = ui::main::kNetworkDownPage;
+  static constexpr int kEmptyChatPage = ui::main::kEmptyChatPage;
   static constexpr unsigned kScrollToBottomTimer = 9996;
   static constexpr unsigned kScrollToTopTimer = 9997;
   static constexpr unsigned kScrollDelayMs = 50;
@@ -97,6 +104,24 @@ class CIMWnd : public ui::WindowImplBase {
   // truncated toward zero.
   static int ChatRecordHeight(int windowHeight);
 
+  // Switches the panes for a conversation or a friend page (modes 0..7).
+  void UpdateCovnID(const WString& convId, uint32_t convType, int mode) override;
+  // The user whose card the friend list opened last (mode 7 refetches it).
+  void SetShownProfileId(const WString& id) { shownProfileId_ = id; }
+  const WString& ShownProfileId() const { return shownProfileId_; }
+
+  ui::main::ConversationListPane& Conversations() { return *conversations_; }
+  ui::main::MainControls& Controls() { return controls_; }
+
+  // Command ids of the context menus and of the add menu.
+  static constexpr unsigned kCmdDeleteConversation = 3168;
+  static constexpr unsigned kCmdFriendSendMessage = 3170;
+  static constexpr unsigned kCmdDeleteFriend = 3171;
+  static constexpr unsigned kCmdAddFriend = 3172;
+  static constexpr unsigned kCmdCreateGroup = 3173;
+  static constexpr unsigned kCmdGroupSendMessage = 3174;
+  static constexpr unsigned kCmdQuitGroup = 3175;
+
  protected:
   std::string GetSkinFile() const override { return "IMWnd.xml"; }
   std::string GetWindowClassName() const override { return "CIMWnd"; }
@@ -107,9 +132,23 @@ class CIMWnd : public ui::WindowImplBase {
   ui::LRESULT OnClose(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam, bool& bHandled) override;
 
  private:
+  // Builds the panes; later panes put their own route objects in here.
+  void MakePanes();
   void OnClick(ui::TNotifyUI& msg);
+  void OnItemClick(ui::TNotifyUI& msg);
+  void OnTextChanged(ui::TNotifyUI& msg);
+  void OnContextMenu(ui::TNotifyUI& msg);
+  void OnCommand(unsigned commandId);
   // The consumed custom messages; false when `uMsg` is not one of them.
   bool HandleServiceMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam);
+  bool HandleListMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam);
+  // Input and the messages that the kit's default handling sees too after
+  // they were handled; the message's result, or none when it is not one of them.
+  std::optional<ui::LRESULT> HandleInputMessage(unsigned uMsg, ui::WPARAM wParam,
+                                                ui::LPARAM lParam);
+  void RefreshMessageView(int mode);
+  void OnWheel(ui::WPARAM wParam, ui::LPARAM lParam);
+  void LoadConversationMessages();
   bool HandlePortMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam);
   // Frees the payload of a message no handler acts on (or that arrives while
   // the window is going away); false when `uMsg` carries none.
@@ -126,15 +165,15 @@ class CIMWnd : public ui::WindowImplBase {
   bool destroying_ = false;
 
   // Looked up by Init; each may be absent.
-  ui::Control searchEdit_;
-  ui::Control friendsList_;
-  ui::Control conversationList_;
-  ui::Control recentConverBtn_;
-  ui::Control friendsListBtn_;
-  ui::Control friendRequestList_;
-  ui::Control sessionName_;
-  ui::Control hisRecordList_;
-  ui::Control composer_;
-  ui::Control tabs_;
-  ui::Control chatModule_;
+  ui::main::MainControls controls_;
+  WString shownProfileId_;
+  std::optional<uint64_t> lastPageFetchMs_;
+  ui::Point rightClickPoint_;
+
+  std::unique_ptr<service::ConversationListSource> conversationSource_;
+  std::unique_ptr<ui::main::ConversationListPane> conversations_;
+  std::unique_ptr<ui::main::MessageViewRoutes> messageView_;
+  std::unique_ptr<ui::main::ComposerRoutes> composer_;
+  std::unique_ptr<ui::main::FriendListRoutes> friends_;
+  std::unique_ptr<ui::main::DialogRoutes> dialogs_;
 };

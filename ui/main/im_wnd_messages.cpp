@@ -1,4 +1,5 @@
-// CIMWnd's dispatch: notifications, clicks and window messages.
+// CIMWnd's window messages: what the service layer, the window port and the
+// kit post or send. Each number goes to one pane or one step.
 #include <memory>
 #include <string>
 
@@ -15,58 +16,18 @@
 namespace msg = platform::msg;
 using service::AdoptPayload;
 
-namespace {
-
-bool EqualsNoCase(const std::string& a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    if (lower(a[i]) != lower(b[i])) return false;
-  }
-  return true;
-}
-
-}  // namespace
-
-void CIMWnd::Notify(ui::TNotifyUI& msg) {
-  if (msg.sType == ui::kNotifyWindowInit) {
-    OnDuiWindowInit();
-  } else if (msg.sType == ui::kNotifyClick) {
-    OnClick(msg);
-  }
-  WindowImplBase::Notify(msg);
-}
-
-void CIMWnd::OnClick(ui::TNotifyUI& msg) {
-  std::string name = msg.pSender.GetName();
-  if (EqualsNoCase(name, "IMWnd_closebtn")) {
-    platform::PostMessage(GetHWND(), ui::kWmClose, 0, 0);
-  }
-}
-
-ui::LRESULT CIMWnd::OnClose(unsigned, ui::WPARAM, ui::LPARAM, bool& bHandled) {
-  if (destroying_) {
-    bHandled = false;  // the kit's close: the window goes
-    return 0;
-  }
-  // The user never destroys the chat window; it only hides.
-  ShowWindow(false, false);
-  visible_.store(false);
-  bHandled = true;
-  return 0;
-}
-
 ui::LRESULT CIMWnd::HandleMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam) {
   if (destroying_ && uMsg != ui::kWmClose) {
     DropPayload(uMsg, wParam, lParam);
     return 0;
   }
-  if (HandleServiceMessage(uMsg, wParam, lParam) || HandlePortMessage(uMsg, wParam, lParam)) {
+  if (HandleServiceMessage(uMsg, wParam, lParam) || HandleListMessage(uMsg, wParam, lParam) ||
+      HandlePortMessage(uMsg, wParam, lParam)) {
     return 1;
   }
+  if (std::optional<ui::LRESULT> result = HandleInputMessage(uMsg, wParam, lParam)) return *result;
   // A payload no handler took is still the window's to free.
   if (DropPayload(uMsg, wParam, lParam)) return 1;
-  if (uMsg == ui::kWmSize) ApplyChatRecordHeight();
   return WindowImplBase::HandleMessage(uMsg, wParam, lParam);
 }
 
@@ -103,15 +64,122 @@ bool CIMWnd::HandleServiceMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM) 
       if (convId) OnConversationGone(*convId);
       return true;
     }
+    case msg::kClearComposer:
+      composer_->Clear();
+      return true;
+    case msg::kRefreshMessageView:
+      RefreshMessageView(static_cast<int>(wParam));
+      return true;
+    case msg::kDrawingSyncNotice:
+      if (auto message = AdoptPayload<MessageStru>(wParam))
+        messageView_->OnMessageChanged(*message);
+      return true;
+    case msg::kTransferStateChanged:
+      messageView_->OnTransferChanged(wParam, 0);
+      return true;
+    case msg::kLoadConversationHistory:
+      messageView_->LoadFromStore(wParam);
+      return true;
     default:
       return false;
+  }
+}
+
+// The conversation list and the friend lists.
+bool CIMWnd::HandleListMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam) {
+  switch (uMsg) {
+    case msg::kRecentConversationsChanged:
+      conversations_->UpdateRencentConvList();
+      return true;
+    case msg::kConversationSummaryChanged:
+      if (auto convId = AdoptPayload<WString>(wParam)) conversations_->UpdateSummary(*convId);
+      return true;
+    case msg::kConversationLogoChanged:
+      if (auto convId = AdoptPayload<WString>(wParam)) conversations_->UpdatePicture(*convId);
+      return true;
+    case msg::kConversationNameChanged: {
+      std::unique_ptr<WString> convId = AdoptPayload<WString>(wParam);
+      std::unique_ptr<WString> name = AdoptPayload<WString>(lParam);
+      if (convId && name) conversations_->UpdateName(*convId, *name);
+      return true;
+    }
+    case msg::kUnreadMarker:
+      conversations_->MarkConversationsButton();
+      return true;
+    case msg::kFriendRequestsChanged:
+      friends_->RefreshRequests();
+      conversations_->MarkFriendsButton();
+      service::Post(GetHWND(), msg::kFriendListChanged);
+      return true;
+    case msg::kFriendListChanged:
+      friends_->UpdateFriendList();
+      return true;
+    case msg::kGroupListChanged:
+      friends_->UpdateGroupList();
+      return true;
+    case msg::kFriendRequestListChanged:
+      friends_->DisplayFriendRequireList();
+      return true;
+    case msg::kRefreshNewFriendEntry:
+      friends_->RefreshNewFriendEntry();
+      return true;
+    case msg::kDeleteShownFriend:
+      friends_->DeleteShownFriend();
+      return true;
+    case msg::kCommitRemarkEdit:
+      friends_->CommitRemarkEdit();
+      return true;
+    case msg::kFriendRequestHandled:
+      if (auto answer = AdoptPayload<FriendRequestResult>(wParam))
+        friends_->OnRequestAnswered(*answer);
+      return true;
+    case msg::kFriendRequestAccepted:
+      friends_->RefetchProfiles();
+      return true;
+    default:
+      return false;
+  }
+}
+
+void CIMWnd::RefreshMessageView(int mode) {
+  if (!controls_.hisRecordList) return;
+  switch (mode) {
+    case 0:
+      messageView_->ShowMsgs();
+      break;
+    case 1:
+      messageView_->ShowMsgs();
+      StartScrollTimer(kScrollToBottomTimer);
+      break;
+    case 2:
+      messageView_->ReloadCurrentConversation();
+      messageView_->ShowMsgs();
+      StartScrollTimer(kScrollToBottomTimer);
+      break;
+    case 3:
+      messageView_->SetLoadingOlder(true);
+      messageView_->ShowMsgs();
+      messageView_->SetLoadingOlder(false);
+      StartScrollTimer(kScrollToTopTimer);
+      break;
+    case 4: {
+      ui::Control& view = controls_.hisRecordList;
+      bool atBottom = view.GetScrollPos() == view.GetScrollRange();
+      messageView_->ReloadCurrentConversation();
+      messageView_->ShowMsgs();
+      if (atBottom) StartScrollTimer(kScrollToBottomTimer);
+      break;
+    }
+    default:
+      platform::Trace("CIMWnd: unknown refresh mode %d", mode);
+      break;
   }
 }
 
 void CIMWnd::OnConversationGone(const WString& convId) {
   if (service::IsCurrentConversation(convId)) {
     service::SetCurrentPeerId(WString());
-    chatModule_.SelectItem(kEmptyChatPage);
+    controls_.chatModule.SelectItem(kEmptyChatPage);
   }
   tools_.DeleteConv(convId);
 }
@@ -155,10 +223,17 @@ bool CIMWnd::DropPayload(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam) {
       break;
     case msg::kConversationDatum:
     case msg::kConversationLogoChanged:
+    case msg::kConversationSummaryChanged:
       AdoptPayload<WString>(wParam);
+      break;
+    case msg::kFriendRemarkChanged:
+      AdoptPayload<WString>(lParam);
       break;
     case msg::kDrawingSyncNotice:
       AdoptPayload<MessageStru>(wParam);
+      break;
+    case msg::kFriendRequestHandled:
+      AdoptPayload<FriendRequestResult>(wParam);
       break;
     case msg::kConversationNameChanged:
       AdoptPayload<WString>(wParam);
@@ -166,6 +241,9 @@ bool CIMWnd::DropPayload(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam) {
       break;
     case ui::port_msg::kShowBox:
       AdoptPayload<PortBoxRequest>(wParam);
+      break;
+    case msg::kMenuNotify:
+      AdoptPayload<ui::Control>(lParam);
       break;
     default:
       return false;
@@ -182,9 +260,8 @@ ui::LRESULT CIMWnd::HandleCustomMessage(unsigned uMsg, ui::WPARAM wParam, ui::LP
     return WindowImplBase::HandleCustomMessage(uMsg, wParam, lParam, bHandled);
   }
   KillTimer(id);
-  if (hisRecordList_) {
-    hisRecordList_.SetScrollPos(id == kScrollToBottomTimer ? hisRecordList_.GetScrollRange() : 0);
-  }
+  ui::Control& view = controls_.hisRecordList;
+  if (view) view.SetScrollPos(id == kScrollToBottomTimer ? view.GetScrollRange() : 0);
   bHandled = true;
   return 0;
 }

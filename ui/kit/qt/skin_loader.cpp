@@ -1,11 +1,14 @@
 #include "ui/kit/qt/skin_loader.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
+#include <QHash>
 #include <QtUiTools/QUiLoader>
 
 #include "platform/trace.h"
 #include "ui/kit/qt/im_list.h"
+#include "ui/kit/qt/row_list_view.h"
 
 namespace ui::qt {
 namespace {
@@ -18,27 +21,50 @@ class SkinUiLoader : public QUiLoader {
       list->setObjectName(name);
       return list;
     }
+    if (className == QLatin1String("ImRowList")) {
+      auto* list = new RowListView(parent);
+      list->setObjectName(name);
+      return list;
+    }
     return QUiLoader::createWidget(className, parent, name);
   }
 };
 
+// Skin files by path, read once: item templates are built many times.
+QHash<QString, QByteArray>& SkinBytes() {
+  static QHash<QString, QByteArray> cache;
+  return cache;
+}
+
 }  // namespace
 
 QWidget* LoadSkin(const QString& skinFolder, const QString& skinFile, QWidget* parent) {
-  QFile file(QDir(skinFolder).filePath(skinFile));
-  if (!file.open(QIODevice::ReadOnly)) {
-    platform::Trace("LoadSkin: cannot open %s", file.fileName().toUtf8().constData());
-    return nullptr;
+  QString path = QDir(skinFolder).filePath(skinFile);
+  auto cached = SkinBytes().constFind(path);
+  if (cached == SkinBytes().constEnd()) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+      platform::Trace("LoadSkin: cannot open %s", path.toUtf8().constData());
+      return nullptr;
+    }
+    cached = SkinBytes().insert(path, file.readAll());
   }
+  QBuffer bytes;
+  bytes.setData(*cached);
+  bytes.open(QIODevice::ReadOnly);
   SkinUiLoader loader;
   // Relative pictures in the skin resolve against its own folder.
   loader.setWorkingDirectory(QDir(skinFolder));
-  QWidget* root = loader.load(&file, parent);
+  QWidget* root = loader.load(&bytes, parent);
   if (!root) {
-    platform::Trace("LoadSkin: %s: %s", file.fileName().toUtf8().constData(),
+    platform::Trace("LoadSkin: %s: %s", path.toUtf8().constData(),
                     loader.errorString().toUtf8().constData());
   }
   return root;
+}
+
+void ForgetSkinFiles() {
+  SkinBytes().clear();
 }
 
 }  // namespace ui::qt

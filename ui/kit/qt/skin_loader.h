@@ -9,6 +9,9 @@ namespace ui::qt {
 
 // Returns the skin's root widget, parented to `parent`, or null after a trace
 // naming the file and the reason.
+// Each file is read once per process and built from memory afterwards.
 QWidget* LoadSkin(const QString& skinFolder, const QString& skinFile, QWidget* parent);
+// Drops the read files (tests that rewrite a skin).
+void ForgetSkinFiles();
 
 }  // namespace ui::qt

@@ -19,6 +19,7 @@
 #include "platform/trace.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/im_list.h"
+#include "ui/kit/qt/row_list_view.h"
 
 namespace ui {
 namespace {
@@ -141,6 +142,11 @@ void WindowHost::Wire(QWidget* root) {
     } else if (auto* list = qobject_cast<qt::ImList*>(w)) {
       connect(list, &qt::ImList::itemClicked, this,
               [this](QWidget* item) { SendNotify(item, kNotifyItemClick); });
+    } else if (auto* rows = qobject_cast<qt::RowListView*>(w)) {
+      connect(rows, &qt::RowListView::itemClicked, this,
+              [this](QWidget* item) { SendNotify(item, kNotifyItemClick); });
+      connect(rows, &qt::RowListView::controlClicked, this,
+              [this](QWidget* control) { SendNotify(control, kNotifyClick); });
     }
   }
 }
@@ -266,7 +272,7 @@ bool WindowHost::FilterInput(QWidget* widget, QEvent* event) {
     case QEvent::MouseButtonRelease: {
       auto* mouse = static_cast<QMouseEvent*>(event);
       if (mouse->button() != Qt::RightButton || !IsDeepest(widget, mouse->position())) return false;
-      SendNotify(qt::NearestControl(widget), kNotifyRButtonUp,
+      SendNotify(qt::ControlUnder(widget, mouse->position().toPoint()), kNotifyRButtonUp,
                  widget->mapTo(this, mouse->position().toPoint()));
       return true;
     }

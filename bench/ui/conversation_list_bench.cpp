@@ -1,0 +1,129 @@
+// The conversation list with hundreds of conversations, offscreen: from
+// message 3184 to the list painted, against a bare QListView of as many
+// text rows. The memory the rows cost is reported as a counter.
+#include <benchmark/benchmark.h>
+#include <json/json.h>
+#include <malloc.h>
+
+#include <QApplication>
+#include <QListView>
+#include <QStringListModel>
+
+#include "platform/window_messages.h"
+#include "service/chat_tools.h"
+#include "service/sdk_event_record.h"
+#include "ui/kit/qt/control_ref.h"
+#include "ui/kit/resources.h"
+#include "ui/main/im_wnd.h"
+#include "ui/port/chat_window_port.h"
+
+namespace {
+
+QApplication& App() {
+  static int argc = 1;
+  static char name[] = "ui_bench";
+  static char* argv[] = {name, nullptr};
+  static QApplication* app = [] {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    auto* made = new QApplication(argc, argv);
+    QApplication::setFont(QFont(QStringLiteral("WenQuanYi Micro Hei"), 9));
+    ui::SetResourceRoot(IM_RESOURCE_ROOT);
+    return made;
+  }();
+  return *app;
+}
+
+std::string ConversationList(int count) {
+  Json::Value array(Json::arrayValue);
+  for (int i = 0; i < count; ++i) {
+    Json::Value conv;
+    std::string id = std::to_string(20000 + i);
+    conv["conv_id"] = id;
+    conv["conv_type"] = 1;
+    conv["conv_unread_num"] = i % 3;
+    conv["conv_active_time"] = 1700000000 + i;
+    conv["conv_is_has_lastmsg"] = true;
+    Json::Value elem;
+    elem["elem_type"] = 0;
+    elem["text_elem_content"] = "第 " + std::to_string(i) + " 条消息：请核对一层平面图";
+    conv["conv_last_msg"]["message_elem_array"].append(elem);
+    conv["conv_last_msg"]["message_conv_id"] = id;
+    conv["conv_last_msg"]["message_conv_type"] = 1;
+    array.append(conv);
+  }
+  return Json::FastWriter().write(array);
+}
+
+size_t HeapInUse() {
+  return mallinfo2().uordblks;
+}
+
+// The chat window, shown, over a service holding `count` conversations.
+struct ChatWindowWith {
+  explicit ChatWindowWith(int count) {
+    App();
+    tools.AttachWindow(&port);
+    window.CreateChatWindow();
+    window.ShowChat();
+    tools.DealConvListFunc(ConversationList(count));
+    QCoreApplication::processEvents();
+  }
+  ~ChatWindowWith() {
+    tools.AttachWindow(nullptr);
+    window.DestroyChatWindow();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  void Rebuild() { window.SendMessage(platform::msg::kRecentConversationsChanged); }
+
+  CChatTools tools;
+  CIMWnd window{tools};
+  ui::ChatWindowPort port{window};
+};
+
+void BM_ConversationListRebuild(benchmark::State& state) {
+  ChatWindowWith chat(static_cast<int>(state.range(0)));
+  auto* list =
+      static_cast<QListView*>(ui::qt::WidgetOf(chat.window.FindControl("ConversationList")));
+  for (auto _ : state) {
+    chat.Rebuild();
+    list->viewport()->repaint();
+  }
+  state.counters["rows"] = chat.window.Conversations().rows().Count();
+}
+BENCHMARK(BM_ConversationListRebuild)->Arg(500)->Unit(benchmark::kMillisecond);
+
+// The memory 500 rows cost: heap in use with the list filled minus empty.
+void BM_ConversationListMemory(benchmark::State& state) {
+  ChatWindowWith chat(static_cast<int>(state.range(0)));
+  double perRow = 0;
+  for (auto _ : state) {
+    chat.window.Conversations().rows().RemoveAll();
+    malloc_trim(0);
+    size_t empty = HeapInUse();
+    chat.Rebuild();
+    size_t filled = HeapInUse();
+    perRow = static_cast<double>(filled - empty) / static_cast<double>(state.range(0));
+  }
+  state.counters["bytes_per_row"] = perRow;
+  state.counters["kib_total"] = perRow * static_cast<double>(state.range(0)) / 1024.0;
+}
+BENCHMARK(BM_ConversationListMemory)->Arg(500)->Iterations(3);
+
+void BM_QtListViewBaseline(benchmark::State& state) {
+  App();
+  QListView view;
+  QStringListModel model;
+  view.setModel(&model);
+  view.resize(250, 624);
+  view.show();
+  QCoreApplication::processEvents();
+  for (auto _ : state) {
+    QStringList texts;
+    for (int i = 0; i < state.range(0); ++i) texts << QStringLiteral("会话 %1").arg(i);
+    model.setStringList(texts);
+    view.viewport()->repaint();
+  }
+}
+BENCHMARK(BM_QtListViewBaseline)->Arg(500)->Unit(benchmark::kMillisecond);
+
+}  // namespace

@@ -1,0 +1,56 @@
+#include "service/panes/face_fetcher.h"
+
+#include <memory>
+
+#include "service/conversation_faces.h"
+#include "service/posting.h"
+
+namespace service {
+
+FaceFetcher::FaceFetcher(WindowOf window, void* context) : window_(window), context_(context) {}
+
+FaceFetcher::~FaceFetcher() {
+  {
+    std::lock_guard lock(mutex_);
+    stop_ = true;
+    queue_.clear();
+  }
+  wake_.notify_all();
+  if (worker_.joinable()) worker_.join();
+}
+
+void FaceFetcher::Fetch(const WString& url, const WString& path, const WString& convId) {
+  {
+    std::lock_guard lock(mutex_);
+    if (stop_ || !pending_.insert(path).second) return;
+    queue_.push_back(Job{url, path, convId});
+    if (!worker_.joinable()) worker_ = std::thread([this] { Run(); });
+  }
+  wake_.notify_one();
+}
+
+void FaceFetcher::WaitIdle() {
+  std::unique_lock lock(mutex_);
+  idle_.wait(lock, [this] { return pending_.empty() || stop_; });
+}
+
+void FaceFetcher::Run() {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    wake_.wait(lock, [this] { return stop_ || !queue_.empty(); });
+    if (stop_) return;
+    Job job = std::move(queue_.front());
+    queue_.pop_front();
+    lock.unlock();
+    // A failed download keeps the default picture; the next rebuild tries again.
+    bool arrived = FaceFileExists(job.path) || DownloadFace(job.url, job.path);
+    if (arrived)
+      PostOwned(window_(context_), platform::msg::kConversationLogoChanged,
+                std::make_unique<WString>(job.convId));
+    lock.lock();
+    pending_.erase(job.path);
+    if (pending_.empty()) idle_.notify_all();
+  }
+}
+
+}  // namespace service

@@ -1,0 +1,46 @@
+#include "ui/main/conversation_rules.h"
+
+#include <cstdio>
+
+namespace ui::main {
+namespace {
+
+WString Format(const char* format, int a, int b, int c = 0) {
+  char text[32];
+  std::snprintf(text, sizeof text, format, a, b, c);
+  return platform::Utf8ToUtf16(text);
+}
+
+WString DateText(const std::tm& t) {
+  return Format("%4d-%02d-%02d", t.tm_year + 1900, t.tm_mon + 1, t.tm_mday);
+}
+
+}  // namespace
+
+WString ConversationTimeText(uint64_t seconds, std::time_t now) {
+  std::time_t when = seconds == 0 ? now : static_cast<std::time_t>(seconds);
+  std::tm whenTm{};
+  std::tm nowTm{};
+  localtime_r(&when, &whenTm);
+  localtime_r(&now, &nowTm);
+  // Both dates hold only digits and dashes, so comparing without regard to
+  // case is plain equality.
+  WString date = DateText(whenTm);
+  if (date == DateText(nowTm)) return Format("%02d:%02d", whenTm.tm_hour, whenTm.tm_min);
+  return date;
+}
+
+WString ConversationPreview(const MessageStru& lastMessage) {
+  WString preview;
+  for (const ElemStru& elem : lastMessage.elems) {
+    if (elem.elem_type == kElemText) preview = elem.text;
+  }
+  return preview;
+}
+
+bool MatchesSearch(const WString& name, const WString& search) {
+  if (search.empty()) return true;
+  return platform::ToUpper(name).find(platform::ToUpper(search)) != WString::npos;
+}
+
+}  // namespace ui::main
