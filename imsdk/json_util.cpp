@@ -4,13 +4,8 @@
 
 namespace imsdk {
 
-bool ParseJson(const std::string& text, Json::Value* out) {
-  Json::CharReaderBuilder builder;
-  builder["collectComments"] = false;
-  builder["stackLimit"] = 200;
-  std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-  std::string errors;
-  return reader->parse(text.data(), text.data() + text.size(), out, &errors);
+bool ParseJson(const std::string& text, Json::Value* out, const platform::JsonLimits& limits) {
+  return platform::ParseJsonText(text, *out, nullptr, limits);
 }
 
 std::string WriteJson(const Json::Value& value) {

@@ -7,10 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "platform/json_text.h"
+
 namespace imsdk {
 
-// Parses `text`; false for text that is not JSON.
-bool ParseJson(const std::string& text, Json::Value* out);
+// Parses `text` without throwing; false for text that is not JSON or passes
+// one of `limits`.
+bool ParseJson(const std::string& text, Json::Value* out,
+               const platform::JsonLimits& limits = platform::kEventJsonLimits);
 // Compact one-line text.
 std::string WriteJson(const Json::Value& value);
 

@@ -265,8 +265,10 @@ std::string LoadWorld(const std::string& path, WorldData* out) {
   if (!in) return "cannot open the world file " + path;
   std::stringstream text;
   text << in.rdbuf();
+  // The engine's own file holds a whole world, far more than one event.
+  constexpr platform::JsonLimits kWorldFileLimits{64u << 20, 64, 4'000'000};
   Json::Value root;
-  if (!ParseJson(text.str(), &root) || !root.isObject()) {
+  if (!ParseJson(text.str(), &root, kWorldFileLimits) || !root.isObject()) {
     return "the world file " + path + " is corrupt: not JSON";
   }
   try {

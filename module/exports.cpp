@@ -46,7 +46,9 @@ IM_EXPORT int g_CreateWindow(void* /*instance*/, void* parent) {
 }
 
 IM_EXPORT bool LoginIm(WString userId, WString userSig) {
-  platform::DataFolders::Instance().Prepare(userId);
+  // The id names the user's folders: one that could reach outside them is
+  // refused before anything is created or signed in.
+  if (!platform::DataFolders::Instance().Prepare(userId)) return false;
   g_CreateWindow(nullptr, module::HostMainWindow());
   bool accepted = service::SignIn(module::Tools(), std::move(userId), std::move(userSig));
   module::ArmUnloadAfterStartup();

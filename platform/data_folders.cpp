@@ -1,6 +1,8 @@
 #include "platform/data_folders.h"
 
 #include "platform/folders.h"
+#include "platform/trace.h"
+#include "platform/user_id.h"
 
 namespace platform {
 namespace {
@@ -18,7 +20,12 @@ DataFolders& DataFolders::Instance() {
   return *folders;
 }
 
-void DataFolders::Prepare(const WString& userId) {
+bool DataFolders::Prepare(const WString& userId) {
+  if (const std::string problem = UserIdProblem(userId); !problem.empty()) {
+    Trace("DataFolders::Prepare: refused the user id \"%s\": %s", Utf16ToUtf8(userId).c_str(),
+          problem.c_str());
+    return false;
+  }
   const WString module = ExecutableFolder();
   const WString docs = CommonDocumentsFolder();
   {
@@ -37,6 +44,7 @@ void DataFolders::Prepare(const WString& userId) {
     if (!FolderExists(folder)) CreateFolders(folder);
   }
   ApplyStoredDownloadPath();
+  return true;
 }
 
 void DataFolders::ApplyStoredDownloadPath() {

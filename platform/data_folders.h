@@ -33,8 +33,10 @@ class DataFolders {
 
   // Builds every path for `userId` (module, image, emoticon, log, face,
   // config, db, download), creates the five data folders, then applies the
-  // stored download folder when it is present and non-empty.
-  void Prepare(const WString& userId);
+  // stored download folder when it is present and non-empty. An id that
+  // cannot name a folder of its own (platform/user_id.h) is refused with a
+  // trace before anything is built or created: false, and nothing changes.
+  bool Prepare(const WString& userId);
 
   // Makes `path` the download folder for this process (the settings dialog).
   void SetDownloadPath(const WString& path);

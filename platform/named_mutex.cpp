@@ -12,6 +12,7 @@
 #include <map>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 #include "platform/trace.h"
 
@@ -32,12 +33,39 @@ struct NamedMutex::Core {
 
 namespace {
 
-std::string LockFolder() {
-  const char* run = std::getenv("XDG_RUNTIME_DIR");
-  std::string folder = run && *run ? std::string(run) + "/im-named-mutex"
-                                   : "/tmp/im-named-mutex-" + std::to_string(getuid());
+std::string EnvOr(const char* name, const char* fallback) {
+  const char* value = std::getenv(name);
+  return value && *value ? value : fallback;
+}
+
+// Made if missing; usable only when it is a real folder (not a link) of this
+// user that nobody else may write to. A shared temporary folder is open to
+// every local user: one who made the folder first could hold a lock file in
+// it forever.
+bool IsPrivateFolder(const std::string& folder) {
   mkdir(folder.c_str(), 0700);
-  return folder;
+  struct stat st {};
+  if (lstat(folder.c_str(), &st) != 0) return false;
+  return S_ISDIR(st.st_mode) && st.st_uid == geteuid() && (st.st_mode & 077) == 0;
+}
+
+// The first private folder of: the session's runtime folder, one named after
+// the user in the temporary folder, one in the user's cache folder. Empty
+// when none is.
+std::string LockFolder() {
+  std::vector<std::string> candidates;
+  if (const char* run = std::getenv("XDG_RUNTIME_DIR"); run && *run) {
+    candidates.push_back(std::string(run) + "/im-named-mutex");
+  }
+  candidates.push_back(EnvOr("TMPDIR", "/tmp") + "/im-named-mutex-" + std::to_string(geteuid()));
+  const std::string cache = EnvOr("XDG_CACHE_HOME", (EnvOr("HOME", "/") + "/.cache").c_str());
+  mkdir(cache.c_str(), 0700);
+  candidates.push_back(cache + "/im-named-mutex");
+  for (const std::string& folder : candidates) {
+    if (IsPrivateFolder(folder)) return folder;
+    Trace("NamedMutex: %s is not a private folder of this user, not used", folder.c_str());
+  }
+  return {};
 }
 
 std::string HexName(const std::u16string& units) {
@@ -51,7 +79,8 @@ std::string HexName(const std::u16string& units) {
 }
 
 std::string LockFileFor(const std::u16string& object_name) {
-  return LockFolder() + "/" + HexName(object_name);
+  const std::string folder = LockFolder();
+  return folder.empty() ? std::string() : folder + "/" + HexName(object_name);
 }
 
 std::shared_ptr<NamedMutex::Core> CoreFor(const std::u16string& object_name) {
@@ -61,7 +90,7 @@ std::shared_ptr<NamedMutex::Core> CoreFor(const std::u16string& object_name) {
   if (auto existing = (*cores)[object_name].lock()) return existing;
   auto core = std::make_shared<NamedMutex::Core>();
   const std::string path = LockFileFor(object_name);
-  core->fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  if (!path.empty()) core->fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
   if (core->fd < 0) Trace("NamedMutex: cannot open %s, mutex is process-local", path.c_str());
   (*cores)[object_name] = core;
   return core;

@@ -6,8 +6,10 @@
 // Names arrive as 8-bit text and, as on the original platform, are read as
 // UTF-16 code units taken from byte pairs (low byte first; an odd length is
 // padded with one zero byte): "NewMsgmap" names a five-unit object. On POSIX
-// the object is a lock file, named by those units in hex, in
-// $XDG_RUNTIME_DIR/im-named-mutex (else /tmp/im-named-mutex-<uid>).
+// the object is a lock file, named by those units in hex, in the first of
+// $XDG_RUNTIME_DIR/im-named-mutex, $TMPDIR/im-named-mutex-<uid> (TMPDIR
+// defaults to /tmp) and $XDG_CACHE_HOME/im-named-mutex (~/.cache) that is a
+// private folder: a real folder of this user, closed to everyone else.
 
 #include <atomic>
 #include <memory>
@@ -38,7 +40,8 @@ class NamedMutex {
 
   // The object name derived from an 8-bit name (see above).
   static std::u16string ObjectNameOf(std::string_view name);
-  // The lock file that stands for the object (shared with other processes).
+  // The lock file that stands for the object (shared with other processes);
+  // empty when no private folder could be had.
   static std::string LockFileOf(std::string_view name);
 
   struct Core;

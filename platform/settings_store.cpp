@@ -10,6 +10,7 @@
 
 #include <json/json.h>
 
+#include "platform/json_text.h"
 #include "platform/trace.h"
 
 namespace platform {
@@ -33,12 +34,8 @@ Json::Value LoadObject(const std::string& file) {
   if (!in) return Json::Value(Json::objectValue);
   std::stringstream buffer;
   buffer << in.rdbuf();
-  Json::CharReaderBuilder builder;
-  std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-  const std::string text = buffer.str();
   Json::Value root;
-  std::string errors;
-  if (!reader->parse(text.data(), text.data() + text.size(), &root, &errors) || !root.isObject()) {
+  if (!ParseJsonText(buffer.str(), root) || !root.isObject()) {
     Trace("SettingsStore: ignoring unreadable settings file %s", file.c_str());
     return Json::Value(Json::objectValue);
   }

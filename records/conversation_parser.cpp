@@ -19,7 +19,7 @@ bool ParseConversation(const Json::Value& json, ConversationInfo_Stru& out) {
 }
 
 bool ParseConversationArray(std::string_view text, std::vector<ConversationInfo_Stru>& out) {
-  return ParseArrayText(text, out, ParseConversation);
+  return ParseArrayText(text, out, ParseConversation, "conversation array");
 }
 
 }  // namespace records

@@ -37,7 +37,7 @@ bool ParseGroupTipsEvent(const Json::Value& json, GroupTipsEvent& out) {
 }
 
 bool ParseGroupMemberArray(std::string_view text, std::vector<GroupMemberInfo_Stru>& out) {
-  return ParseArrayText(text, out, ParseGroupMember);
+  return ParseArrayText(text, out, ParseGroupMember, "group member array");
 }
 
 }  // namespace records

@@ -1,7 +1,5 @@
 #include "records/json_reader.h"
 
-#include <memory>
-
 #include "platform/trace.h"
 
 namespace records {
@@ -67,32 +65,6 @@ void ConvertTo(const Json::Value& value, uint64_t& out) {
   } else {
     out = value.asUInt64();
   }
-}
-
-namespace {
-
-std::unique_ptr<Json::CharReader> MakeReader() {
-  Json::CharReaderBuilder builder;
-  builder["collectComments"] = false;
-  return std::unique_ptr<Json::CharReader>(builder.newCharReader());
-}
-
-}  // namespace
-
-bool ParseJsonText(std::string_view text, Json::Value& root) {
-  // A reader is not safe to share between threads, and a thread_local one
-  // would pin the module in memory after it is unloaded: one per call, which
-  // costs far less than the parse itself.
-  const std::unique_ptr<Json::CharReader> reader = MakeReader();
-  root = Json::Value();
-  try {
-    if (reader->parse(text.data(), text.data() + text.size(), &root, nullptr)) return true;
-  } catch (const std::exception& e) {
-    // jsoncpp throws rather than reports when the nesting limit is passed.
-    platform::Trace("ParseJsonText: %s", e.what());
-  }
-  root = Json::Value();
-  return false;
 }
 
 void TraceRecordFault(const char* record_name, const std::exception& fault) {

@@ -19,7 +19,9 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/json_text.h"
 #include "platform/strings.h"
+#include "records/entry_limits.h"
 
 namespace records {
 
@@ -42,11 +44,13 @@ void Read(const Json::Value& object, std::string_view key, T& out) {
 // Reads the array under `key` entry by entry with `parse_entry(entry, item)`.
 // A missing key or a scalar gives an empty list; an object with members throws
 // (it cannot be indexed by position).
+// Entries beyond kMaxEntriesPerList or the text's budget are cut.
 template <typename T, typename ParseEntry>
 void ReadList(const Json::Value& object, std::string_view key, std::vector<T>& out,
               ParseEntry parse_entry) {
   const Json::Value& array = Member(object, key);
-  const Json::ArrayIndex size = array.size();
+  const auto size =
+      static_cast<Json::ArrayIndex>(AllowedEntries(key, array.size(), kMaxEntriesPerList));
   out.reserve(out.size() + size);
   for (Json::ArrayIndex i = 0; i < size; ++i) {
     T item;
@@ -60,9 +64,7 @@ void ReadList(const Json::Value& object, std::string_view key, std::vector<T>& o
   ReadList(object, key, out, [](const Json::Value& entry, T& item) { ConvertTo(entry, item); });
 }
 
-// Parses UTF-8 JSON text. False (and `root` null) for anything that is not a
-// complete JSON value, nesting deeper than the reader's limit included.
-bool ParseJsonText(std::string_view text, Json::Value& root);
+using platform::ParseJsonText;
 
 // The trace line of a record whose parse failed: the marker, the record's name
 // and the exception's text.
@@ -86,15 +88,19 @@ bool GuardRecord(const char* record_name, Fill fill) {
 }
 
 // A JSON array text, each entry parsed with `parse(entry, record)` and
-// appended. False when the text is not JSON or its root is not an array.
+// appended; entries beyond `cap` or the text's entry budget are cut. False
+// when the text is not JSON or its root is not an array.
 template <typename Record, typename Parse>
-bool ParseArrayText(std::string_view text, std::vector<Record>& out, Parse parse) {
+bool ParseArrayText(std::string_view text, std::vector<Record>& out, Parse parse, const char* what,
+                    size_t cap = kMaxRecordsPerText) {
   Json::Value root;
   if (!ParseJsonText(text, root) || !root.isArray()) return false;
-  out.reserve(out.size() + root.size());
-  for (const Json::Value& entry : root) {
+  TextEntryBudget budget;
+  const auto size = static_cast<Json::ArrayIndex>(AllowedEntries(what, root.size(), cap));
+  out.reserve(out.size() + size);
+  for (Json::ArrayIndex i = 0; i < size; ++i) {
     Record record;
-    parse(entry, record);
+    parse(root[i], record);
     out.push_back(std::move(record));
   }
   return true;

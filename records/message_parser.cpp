@@ -9,7 +9,8 @@ namespace {
 
 void ReadElems(const Json::Value& json, MessageStru& msg, const ReceiveOptions& options) {
   const Json::Value& array = Member(json, "message_elem_array");
-  const Json::ArrayIndex size = array.size();
+  const auto size = static_cast<Json::ArrayIndex>(
+      AllowedEntries("message_elem_array", array.size(), kMaxElemsPerMessage));
   msg.elems.reserve(size);
   for (Json::ArrayIndex i = 0; i < size; ++i) {
     ElemStru elem;
@@ -56,9 +57,10 @@ bool ParseSelfMessage(const Json::Value& json, MessageStru& out) {
 
 bool ParseMessageArray(std::string_view text, std::vector<MessageStru>& out,
                        const ReceiveOptions& options) {
-  return ParseArrayText(text, out, [&](const Json::Value& entry, MessageStru& msg) {
-    ParseMessage(entry, msg, options);
-  });
+  return ParseArrayText(
+      text, out,
+      [&](const Json::Value& entry, MessageStru& msg) { ParseMessage(entry, msg, options); },
+      "message array", kMaxMessagesPerText);
 }
 
 bool ParseMessageLocator(const Json::Value& json, MessageLocator& out) {

@@ -71,11 +71,11 @@ bool ParsePendencyPage(const Json::Value& json, PendencyPage& out) {
 }
 
 bool ParseUserProfileArray(std::string_view text, std::vector<UserProfile>& out) {
-  return ParseArrayText(text, out, ParseUserProfile);
+  return ParseArrayText(text, out, ParseUserProfile, "profile array");
 }
 
 bool ParseFriendArray(std::string_view text, std::vector<FriendsList_Stru>& out) {
-  return ParseArrayText(text, out, ParseFriend);
+  return ParseArrayText(text, out, ParseFriend, "friend array");
 }
 
 Json::Value BuildFriendAddRequest(const WString& identifier, const WString& nick_name,

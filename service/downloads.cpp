@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "imsdk/im_sdk.h"
+#include "platform/json_text.h"
 #include "platform/trace.h"
 #include "service/callback_owner.h"
 #include "service/chat_tools.h"
@@ -16,10 +17,7 @@ namespace {
 constexpr auto kPictureSettleDelay = std::chrono::milliseconds(50);
 
 bool ParseObject(std::string_view text, Json::Value& out) {
-  Json::CharReaderBuilder builder;
-  std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-  std::string errors;
-  return reader->parse(text.data(), text.data() + text.size(), &out, &errors) && out.isObject();
+  return platform::ParseJsonText(text, out) && out.isObject();
 }
 
 uint64_t SizeOf(const Json::Value& value) {

@@ -5,6 +5,7 @@
 
 #include "host/host_access.h"
 #include "imsdk/im_sdk.h"
+#include "platform/json_text.h"
 #include "platform/trace.h"
 #include "service/chat_tools.h"
 #include "service/posting.h"
@@ -22,12 +23,9 @@ WString StringOf(const Json::Value& object, const char* key) {
 
 // The SDK's joined-group array; entries without an id are skipped.
 bool ParseJoinedGroups(const char* text, std::vector<GroupInfo>& out) {
-  std::string_view view = OrEmpty(text);
-  Json::CharReaderBuilder builder;
-  std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
   Json::Value array;
   std::string errors;
-  if (!reader->parse(view.data(), view.data() + view.size(), &array, &errors) || !array.isArray()) {
+  if (!platform::ParseJsonText(OrEmpty(text), array, &errors) || !array.isArray()) {
     platform::Trace("解析json数据错误！error:%s", errors.c_str());
     return false;
   }

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "imsdk/im_sdk.h"
+#include "platform/json_text.h"
 #include "platform/trace.h"
 #include "records/group_parser.h"
 #include "service/chat_tools.h"
@@ -30,10 +31,7 @@ void PostEvent(CChatTools& tools, uint32_t kind, const char* json, uint8_t flag1
 }
 
 bool ParseJson(const char* text, Json::Value& out, std::string& errors) {
-  std::string_view view = OrEmpty(text);
-  Json::CharReaderBuilder builder;
-  std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-  return reader->parse(view.data(), view.data() + view.size(), &out, &errors);
+  return platform::ParseJsonText(OrEmpty(text), out, &errors);
 }
 
 }  // namespace

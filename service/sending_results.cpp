@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "platform/json_text.h"
 #include "platform/trace.h"
 #include "records/message_parser.h"
 #include "service/callback_owner.h"
@@ -19,10 +20,7 @@
 namespace {
 
 bool ParseObject(const std::string& text, Json::Value& out) {
-  Json::CharReaderBuilder builder;
-  std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-  std::string errors;
-  return reader->parse(text.data(), text.data() + text.size(), &out, &errors) && out.isObject();
+  return platform::ParseJsonText(text, out) && out.isObject();
 }
 
 }  // namespace

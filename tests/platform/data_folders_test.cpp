@@ -107,3 +107,34 @@ TEST_F(DataFoldersTest, UncreatableFolderIsNotFatal) {
 }
 
 }  // namespace
+
+namespace {
+
+// Ids that would name a folder outside the user's own, or a shared one, are
+// refused before anything is created.
+TEST_F(DataFoldersTest, IdsThatAreNotAFolderOfTheirOwnAreRefused) {
+  const WString refused[] = {u"",
+                             u".",
+                             u"..",
+                             u"../../escape",
+                             u"a/b",
+                             u"a\\b",
+                             u"log",
+                             u"CFG",
+                             u"a\nb",
+                             u"\x7f",
+                             WString(129, u'x'),
+                             WString(43, u'图')};  // 129 bytes each
+  for (const WString& id : refused) {
+    SCOPED_TRACE(Utf16ToUtf8(id));
+    EXPECT_FALSE(folders_.Prepare(id));
+    EXPECT_FALSE(fs::exists(docs_)) << "something was created";
+  }
+  for (const WString& id : {u"10001", u"logs", u"..a", WString(128, u'x')}) {
+    SCOPED_TRACE(Utf16ToUtf8(id));
+    EXPECT_TRUE(folders_.Prepare(id));
+    EXPECT_TRUE(fs::is_directory(docs_ + "/Vantorel/" + Utf16ToUtf8(id) + "/db"));
+  }
+}
+
+}  // namespace

@@ -8,6 +8,8 @@
 #include <fcntl.h>
 #include <atomic>
 #include <cstdlib>
+#include <filesystem>
+#include <functional>
 #include <thread>
 
 using namespace platform;
@@ -72,6 +74,78 @@ TEST(NamedMutex, IsSharedWithOtherProcesses) {
   m->Release();
   ASSERT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+// A lock folder in the shared temporary folder that is not this user's own
+// private one is passed over: another user could otherwise hold a lock file
+// in it and freeze every process that waits.
+TEST(NamedMutex, ForeignTemporaryLockFolderIsNotUsed) {
+  namespace fs = std::filesystem;
+  const fs::path root = fs::path(testing::TempDir()) / "named-mutex-foreign";
+  const fs::path tmp = root / "tmp";
+  const fs::path home = root / "home";
+  const std::string name = std::to_string(geteuid());
+  const fs::path shared = tmp / ("im-named-mutex-" + name);
+  unsetenv("XDG_RUNTIME_DIR");
+  unsetenv("XDG_CACHE_HOME");
+  setenv("TMPDIR", tmp.c_str(), 1);
+  const std::string saved_home = std::getenv("HOME") ? std::getenv("HOME") : "";
+  setenv("HOME", home.c_str(), 1);
+  const struct {
+    const char* how;
+    std::function<void()> make;
+    bool needs_root = false;
+  } cases[] = {
+      {"open to others",
+       [&] {
+         fs::create_directories(shared);
+         fs::permissions(shared, fs::perms::all);
+       }},
+      {"a link",
+       [&] {
+         fs::create_directories(root / "elsewhere");
+         fs::permissions(root / "elsewhere", fs::perms::owner_all);
+         fs::create_symlink(root / "elsewhere", shared);
+       }},
+      {"another user's",
+       [&] {
+         fs::create_directories(shared);
+         fs::permissions(shared, fs::perms::owner_all);
+         ASSERT_EQ(chown(shared.c_str(), 4321, 4321), 0);
+       },
+       true},
+  };
+  int n = 0;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.how);
+    if (c.needs_root && geteuid() != 0) continue;  // only root can give a folder away
+    fs::remove_all(root);
+    fs::create_directories(tmp);
+    c.make();
+    // The other user holds the lock file the mutex would have used.
+    const std::string mutex_name = "foreign-" + std::to_string(n++);
+    const fs::path planted =
+        shared / NamedMutex::LockFileOf(mutex_name)
+                     .substr(NamedMutex::LockFileOf(mutex_name).rfind('/') + 1);
+    const int held = open(planted.c_str(), O_RDWR | O_CREAT, 0666);
+    ASSERT_GE(held, 0);
+    ASSERT_EQ(flock(held, LOCK_EX), 0);
+    EXPECT_EQ(fs::path(NamedMutex::LockFileOf(mutex_name)).parent_path(),
+              home / ".cache" / "im-named-mutex");
+    auto mutex = NamedMutex::Create(mutex_name);
+    std::atomic<bool> owned{false};
+    std::thread waiter([&] {
+      mutex->Wait();
+      owned = true;
+      mutex->Release();
+    });
+    for (int i = 0; i < 200 && !owned; ++i) std::this_thread::sleep_for(10ms);
+    close(held);  // lets a frozen waiter finish either way
+    waiter.join();
+    EXPECT_TRUE(owned);
+  }
+  unsetenv("TMPDIR");
+  setenv("HOME", saved_home.c_str(), 1);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "platform/trace.h"
 #include "records/conversation_parser.h"
+#include "records/entry_limits.h"
 #include "records/group_parser.h"
 #include "records/json_reader.h"
 #include "records/message_parser.h"
@@ -87,13 +88,41 @@ TEST(BadInput, NumbersOutOfRangeFaultOnlyTheirRecord) {
   EXPECT_EQ(trace.Count(">>>>>>>>>>>>>>>>>>>>>>>>>MessageStru"), 1u);
 }
 
-TEST(BadInput, HugeArrayOfEmptyMessages) {
-  std::string text = "[{}";
-  for (int i = 1; i < 100000; ++i) text += ",{}";
-  text += "]";
-  std::vector<MessageStru> list;
-  ASSERT_TRUE(records::ParseMessageArray(text, list));
-  EXPECT_EQ(list.size(), 100000u);
+std::string Repeated(const std::string& entry, size_t count) {
+  std::string text;
+  text.reserve((entry.size() + 1) * count);
+  for (size_t i = 0; i < count; ++i) text += (i ? "," : "") + entry;
+  return text;
+}
+
+// Lists over their caps keep their first entries and trace the cut; the text's
+// shared budget stops many capped lists from adding up.
+TEST(BadInput, OversizedListsAreCutAndTraced) {
+  platform::ScopedTraceCapture trace;
+  std::vector<MessageStru> messages;
+  ASSERT_TRUE(records::ParseMessageArray("[" + Repeated("{}", 100000) + "]", messages));
+  EXPECT_EQ(messages.size(), records::kMaxMessagesPerText);
+
+  messages.clear();
+  const std::string elem = R"({"elem_type":0,"text_elem_content":"x"})";
+  ASSERT_TRUE(records::ParseMessageArray(
+      R"([{"message_elem_array":[)" + Repeated(elem, 200000) + R"(]},{"message_conv_id":"b"}])",
+      messages));
+  ASSERT_EQ(messages.size(), 2u);
+  EXPECT_EQ(messages[0].elems.size(), records::kMaxElemsPerMessage);
+  EXPECT_EQ(messages[1].conv_id, u"b");
+
+  std::vector<ConversationInfo_Stru> conversations;
+  const std::string conversation =
+      R"({"conv_last_msg":{"message_elem_array":[)" + Repeated("{}", 32) + "]}}";
+  ASSERT_TRUE(
+      records::ParseConversationArray("[" + Repeated(conversation, 5000) + "]", conversations));
+  size_t elems = 0;
+  for (const auto& c : conversations) elems += c.last_msg.elems.size();
+  EXPECT_LE(conversations.size() + elems, records::kMaxEntriesPerText);
+
+  EXPECT_TRUE(trace.Contains("message array: kept 1000 of 100000 entries"));
+  EXPECT_TRUE(trace.Contains("message_elem_array: kept 32 of 200000 entries"));
 }
 
 }  // namespace
