@@ -32,7 +32,9 @@ function(im_add_test name)
     "XDG_CONFIG_HOME=${scratch}/config"
     "XDG_RUNTIME_DIR=${scratch}/run"
     "QT_QPA_PLATFORM=offscreen"
-    "IM_TEST_DATA_DIR=${CMAKE_SOURCE_DIR}/tests/data")
+    "IM_TEST_DATA_DIR=${CMAKE_SOURCE_DIR}/tests/data"
+    # Third-party leaks only (see the file); ours are never suppressed.
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
   if(ARG_NO_LEAK_CHECK)
     list(APPEND env "${IM_NO_LEAK_CHECK_ASAN_OPTIONS}")
   endif()
