@@ -5,7 +5,7 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 DEP_GROUPS ?= qt
 CTEST := ctest --output-on-failure -j$(JOBS) --timeout 600
 
-.PHONY: deps test test-asan test-tsan bench demo clean format
+.PHONY: deps test test-asan test-tsan bench demo clean format fuzz fuzz-smoke fuzz-campaign
 
 deps:
 	@scripts/install-deps $(DEP_GROUPS)
@@ -35,6 +35,20 @@ bench: deps
 	cmake --build build -j$(JOBS)
 	cmake --build build --target run_benchmarks
 
+# libFuzzer targets (clang, ASan + UBSan) in build-fuzz/. fuzz-smoke runs
+# each for a few seconds, as CI does; fuzz-campaign for FUZZ_SECONDS each.
+FUZZ_SECONDS ?= 600
+fuzz:
+	@scripts/install-deps fuzz
+	$(call configure,build-fuzz,-DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DIM_FUZZ=ON -DIM_BUILD_UI=OFF -DIM_BUILD_BENCH=OFF)
+	cmake --build build-fuzz -j$(JOBS) --target fuzz_targets
+
+fuzz-smoke: fuzz
+	scripts/fuzz-run 5
+
+fuzz-campaign: fuzz
+	scripts/fuzz-run $(FUZZ_SECONDS)
+
 # The demo host: builds the module and runs it beside a placeholder drawing.
 # Without a display (or with DEMO_ARGS=--headless) it runs a short script
 # offscreen, writes a screenshot into the data folder and exits.
@@ -47,4 +61,4 @@ format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
 
 clean:
-	rm -rf build build-asan build-tsan
+	rm -rf build build-asan build-tsan build-fuzz
