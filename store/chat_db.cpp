@@ -182,5 +182,5 @@ bool CChatDb::RunSql(const WString& loginUserId, const WString& convId) {
 
 void CChatDb::UpdateDrawingPath(uint64_t uniqueId, const WString& localPath) {
   ExecuteTransaction({"UPDATE MessageTbl SET info12 = '" + store::EncodeHexText(localPath) +
-                      "' WHERE kTIMMsgUniqueId = " + std::to_string(uniqueId) + ";"});
+                      "' WHERE kTIMMsgUniqueId = " + Uint64Sql(uniqueId) + ";"});
 }

@@ -172,10 +172,10 @@ std::optional<MessageRow> BuildElemRow(std::string_view loginUserId, std::string
   v.push_back(SqlValue::Text(std::string(loginUserId)));
   v.push_back(SqlValue::Text(std::string(convId)));
   v.push_back(SqlValue::UnsignedNumber(message.conv_type));
-  v.push_back(SqlValue::UnsignedNumber(message.server_time));
+  v.push_back(SqlValue::Uint64(message.server_time));
   v.push_back(SqlValue::Number(message.is_from_self ? 1 : 0));
   v.push_back(SqlValue::UnsignedNumber(message.status));
-  v.push_back(SqlValue::UnsignedNumber(message.unique_id));
+  v.push_back(SqlValue::Uint64(message.unique_id));
   v.push_back(SqlValue::Text(EncodeHexText(message.sender_profile.nick_name)));
   v.push_back(SqlValue::Text(EncodeHexText(message.sender_profile.face_url)));
   v.push_back(SqlValue::UnsignedNumber(message.platform));

@@ -6,12 +6,23 @@
 
 #include <sqlite3.h>
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace store {
+
+// SQLite integers are signed 64-bit; decimal text of 2^63 or more would be
+// stored as a floating-point value, and two such ids would become one. An
+// unsigned 64-bit value is therefore written as the signed integer with the
+// same bits (2^63 is stored as -9223372036854775808) and read back with
+// sqlite3_column_int64 cast to unsigned. Values below 2^63 are stored as
+// they always were.
+inline std::string Uint64Sql(uint64_t value) {
+  return std::to_string(static_cast<int64_t>(value));
+}
 
 struct SqlValue {
   enum class Kind {
@@ -25,6 +36,8 @@ struct SqlValue {
   static SqlValue UnsignedNumber(unsigned long long value) {
     return {Kind::kNumber, std::to_string(value)};
   }
+  // A 64-bit id or time, see Uint64Sql.
+  static SqlValue Uint64(uint64_t value) { return {Kind::kNumber, Uint64Sql(value)}; }
   static SqlValue Text(std::string value) { return {Kind::kText, std::move(value)}; }
 };
 

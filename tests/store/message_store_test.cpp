@@ -219,4 +219,21 @@ TEST_F(MessageStoreTest, UpdateDrawingPathPointsTheRowAtTheLocalCopy) {
   EXPECT_EQ(read[1].elems[0].drawing.filePath, u"/home/u/\u56FE\u7EB8.dwg");
 }
 
+// Ids of 2^63 and above stay distinct rows and read back exactly, by both
+// write paths, and the drawing-path update finds them.
+TEST_F(MessageStoreTest, UniqueIdsOfTwoToTheSixtyThreeAndAboveKeepEveryBit) {
+  const uint64_t ids[] = {1ULL << 63, (1ULL << 63) + 1, UINT64_MAX, (1ULL << 63) - 1};
+  db_.SaveMessage(u"me", MessageWith(u"c", ids[0], 1, DrawingFile()));
+  db_.SaveMessage(u"me", MessageWith(u"c", ids[1], 2, DrawingFile()));
+  db_.SaveMessageList(u"me", {MessageWith(u"c", ids[2], 3, DrawingFile()),
+                              MessageWith(u"c", ids[3], 4, DrawingFile())});
+  db_.UpdateDrawingPath(ids[1], u"/local.dwg");
+  std::vector<MessageStru> read = Query(u"c", 10);
+  ASSERT_EQ(read.size(), 4u);
+  for (size_t i = 0; i < 4; ++i) {
+    EXPECT_EQ(read[3 - i].unique_id, ids[i]) << i;
+    EXPECT_EQ(read[3 - i].elems[0].drawing.filePath, i == 1 ? u"/local.dwg" : u"/tmp/plan.dwg");
+  }
+}
+
 }  // namespace
