@@ -6,6 +6,7 @@
 
 #include "platform/trace.h"
 #include "store/hex_text.h"
+#include "store/message_row.h"
 #include "store/schema.h"
 #include "store/sql_id.h"
 
@@ -18,6 +19,12 @@ static_assert(CChatDb::kOpenFlags == (SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
 bool IsUnusableFile(int rc) {
   int primary = rc & 0xFF;
   return primary == SQLITE_NOTADB || primary == SQLITE_CORRUPT;
+}
+
+// Failures that pass: another connection holds the file, or the disk is full.
+bool IsPassing(int rc) {
+  int primary = rc & 0xFF;
+  return primary == SQLITE_BUSY || primary == SQLITE_LOCKED || primary == SQLITE_FULL;
 }
 
 }  // namespace
@@ -56,8 +63,19 @@ bool CChatDb::Open(const std::string& path) {
     return false;
   }
   db_ = db;
+  sqlite3_busy_timeout(db_, busy_wait_ms_);
   platform::Trace("打开数据库连接成功!!!!!!");
   return true;
+}
+
+void CChatDb::SetBusyWait(int milliseconds) {
+  std::lock_guard lock(mutex_);
+  busy_wait_ms_ = milliseconds;
+}
+
+size_t CChatDb::KeptStatementCount() const {
+  std::lock_guard lock(mutex_);
+  return kept_.size();
 }
 
 void CChatDb::Close() {
@@ -66,6 +84,15 @@ void CChatDb::Close() {
 }
 
 void CChatDb::CloseLocked() {
+  // Once more; not while the schema is missing, which this close may be for.
+  if (db_ != nullptr && !kept_.empty() && !schema_pending_) WriteLocked({}, {});
+  if (!kept_.empty()) {
+    platform::Trace("CChatDb: %zu statements could not be written to %s and are lost", kept_.size(),
+                    path_.c_str());
+  }
+  kept_.clear();
+  kept_bytes_ = 0;
+  schema_pending_ = false;
   for (auto& [count, statement] : insert_statements_) sqlite3_finalize(statement);
   insert_statements_.clear();
   if (db_ == nullptr) return;
@@ -80,16 +107,22 @@ int CChatDb::ExecLocked(const std::string& sql) {
 void CChatDb::CreateSchema() {
   std::lock_guard lock(mutex_);
   if (db_ == nullptr) return;
+  CreateSchemaLocked();
+}
+
+void CChatDb::CreateSchemaLocked() {
   int unusable = SQLITE_OK;
+  bool passing = false;
   ExecLocked("begin;");
   for (std::string_view create : store::kCreateTableStatements) {
     // Failures are expected (conversationTbl never parses) and do not stop
     // the sequence.
     int rc = ExecLocked(std::string(create));
     if (IsUnusableFile(rc)) unusable = rc;
+    passing = passing || IsPassing(rc);
   }
   ExecLocked(std::string(store::kCreateConversationIndex));
-  ExecLocked("commit;");
+  const int committed = ExecLocked("commit;");
   if (unusable != SQLITE_OK) {
     // Never repaired or replaced here: what the file holds may still be
     // recovered by other means. The next sign-in tries again.
@@ -97,6 +130,13 @@ void CChatDb::CreateSchema() {
                     path_.c_str(), sqlite3_errstr(unusable));
     if (!sqlite3_get_autocommit(db_)) ExecLocked("rollback;");
     CloseLocked();
+    return;
+  }
+  schema_pending_ = passing || committed != SQLITE_OK;
+  if (schema_pending_) {
+    // A fresh file would stay without tables: tried again before each write.
+    platform::Trace("CChatDb: schema not committed: %s", sqlite3_errmsg(db_));
+    if (!sqlite3_get_autocommit(db_)) ExecLocked("rollback;");
     return;
   }
   CheckVersionLocked();
@@ -130,34 +170,77 @@ void CChatDb::CheckVersionLocked() {
   }
 }
 
-void CChatDb::BeginLocked() {
-  ExecLocked("BEGIN TRANSACTION;");
+bool CChatDb::CommitLocked() {
+  if (ExecLocked("COMMIT TRANSACTION;") == SQLITE_OK) return true;
+  platform::Trace("CChatDb: commit failed: %s", sqlite3_errmsg(db_));
+  return false;
 }
 
-void CChatDb::CommitLocked() {
-  int rc = ExecLocked("COMMIT TRANSACTION;");
-  if (rc == SQLITE_OK) return;
-  platform::Trace("CChatDb: commit failed: %s", sqlite3_errmsg(db_));
+bool CChatDb::StatementDoneLocked(int rc, bool& traced) {
+  if (rc == SQLITE_OK || rc == SQLITE_DONE) return true;
+  if (IsPassing(rc)) return false;
+  // A refused duplicate is how one row per message comes about; anything
+  // else (a read-only or damaged file) is worth one line per batch, and the
+  // rest of the batch still runs.
+  if ((rc & 0xFF) != SQLITE_CONSTRAINT && !traced) {
+    platform::Trace("CChatDb: statement failed: %s", sqlite3_errmsg(db_));
+    traced = true;
+  }
+  return true;
+}
+
+void CChatDb::WriteLocked(const std::vector<std::string>& statements,
+                          const std::vector<store::MessageRow>& rows) {
+  if (schema_pending_) CreateSchemaLocked();
+  if (db_ == nullptr) return;
+  bool traced = false;
+  bool done = !schema_pending_ && ExecLocked("BEGIN TRANSACTION;") == SQLITE_OK;
+  for (size_t i = 0; done && i < kept_.size(); ++i) {
+    done = StatementDoneLocked(ExecLocked(kept_[i]), traced);
+  }
+  for (size_t i = 0; done && i < statements.size(); ++i) {
+    done = StatementDoneLocked(ExecLocked(statements[i]), traced);
+  }
+  for (size_t i = 0; done && i < rows.size(); ++i) {
+    done = StatementDoneLocked(InsertRowLocked(rows[i]), traced);
+  }
+  if (done && CommitLocked()) {
+    if (!kept_.empty()) platform::Trace("CChatDb: %zu kept statements written", kept_.size());
+    kept_.clear();
+    kept_bytes_ = 0;
+    return;
+  }
   // A transaction left open would swallow every later statement and keep
   // the file locked; what was committed before stays untouched.
+  const std::string reason = sqlite3_errmsg(db_);
   if (!sqlite3_get_autocommit(db_)) ExecLocked("ROLLBACK TRANSACTION;");
+  KeepLocked(statements, rows);
+  platform::Trace("CChatDb: not written (%s), %zu statements kept for the next write",
+                  reason.c_str(), kept_.size());
+}
+
+void CChatDb::KeepLocked(const std::vector<std::string>& statements,
+                         const std::vector<store::MessageRow>& rows) {
+  size_t dropped = 0;
+  auto keep = [&](std::string sql) {
+    if (kept_bytes_ + sql.size() > kMaxKeptBytes) {
+      ++dropped;
+      return;
+    }
+    kept_bytes_ += sql.size();
+    kept_.push_back(std::move(sql));
+  };
+  for (const std::string& sql : statements) keep(sql);
+  for (const store::MessageRow& row : rows) keep(store::RenderInsertSql(row));
+  if (dropped > 0) {
+    platform::Trace("CChatDb: %zu statements over the kept limit are lost", dropped);
+  }
 }
 
 void CChatDb::ExecuteTransaction(const std::vector<std::string>& statements) {
   std::lock_guard lock(mutex_);
-  if (db_ == nullptr || statements.empty()) return;
-  BeginLocked();
-  bool traced = false;
-  for (const std::string& sql : statements) {
-    int rc = ExecLocked(sql);
-    // A refused duplicate is how one row per message comes about; anything
-    // else (a full disk, a damaged file) is worth one line per batch.
-    if (rc != SQLITE_OK && (rc & 0xFF) != SQLITE_CONSTRAINT && !traced) {
-      platform::Trace("CChatDb: statement failed: %s", sqlite3_errmsg(db_));
-      traced = true;
-    }
-  }
-  CommitLocked();
+  if (db_ == nullptr || (statements.empty() && kept_.empty())) return;
+  WriteLocked(statements, {});
 }
 
 bool CChatDb::RunSql(const WString& loginUserId, const WString& convId) {

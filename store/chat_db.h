@@ -7,6 +7,14 @@
 // statement therefore runs under this object's lock. A store whose file could
 // not be opened or is not a database stays closed: every operation is then a
 // no-op (queries return false) until the next sign-in opens it again.
+//
+// Another process may hold the file (a second host, a backup tool reading
+// it). A statement then waits up to BusyWait for it; a write that still
+// cannot be committed is rolled back and kept, and runs again first in the
+// next write, so that no received or sent message is lost while the file is
+// busy or the disk full. A schema that could not be committed is created
+// again before the next write. What is still kept at Close is tried once
+// more, then traced as lost.
 
 #include <cstdint>
 #include <map>
@@ -28,6 +36,11 @@ class CChatDb {
  public:
   // Read-write, create, no-mutex, shared-cache.
   static constexpr int kOpenFlags = 0x28006;
+  // How long a statement waits for a file that another connection holds.
+  static constexpr int kDefaultBusyWaitMs = 2000;
+  // Kept statements beyond this many bytes are dropped (and traced): a file
+  // that stays locked must not take all memory.
+  static constexpr size_t kMaxKeptBytes = 32u << 20;
 
   CChatDb() = default;
   ~CChatDb();
@@ -43,6 +56,10 @@ class CChatDb {
 
   // Remembers `path` and opens it (closing a connection left open first).
   bool Open(const std::string& path);
+  // For connections opened from now on.
+  void SetBusyWait(int milliseconds);
+  // Statements waiting for the next write because the file was busy.
+  size_t KeptStatementCount() const;
   // The nine tables in one transaction, the conversation index, the version.
   void CreateSchema();
   void Close();
@@ -77,16 +94,28 @@ class CChatDb {
 
  private:
   int ExecLocked(const std::string& sql);
+  void CreateSchemaLocked();
   void CheckVersionLocked();
   void CloseLocked();
-  void BeginLocked();
-  void CommitLocked();
-  void SaveRowsLocked(const std::vector<store::MessageRow>& rows);
+  bool CommitLocked();
+  // One transaction: the kept statements, then `statements`, then `rows`.
+  // Committed, or rolled back and all of it kept for the next write.
+  void WriteLocked(const std::vector<std::string>& statements,
+                   const std::vector<store::MessageRow>& rows);
+  // False when the batch must stop and be kept (busy file, full disk).
+  bool StatementDoneLocked(int rc, bool& traced);
+  int InsertRowLocked(const store::MessageRow& row);
+  void KeepLocked(const std::vector<std::string>& statements,
+                  const std::vector<store::MessageRow>& rows);
   sqlite3_stmt* InsertStatementLocked(size_t infoCount);
 
   mutable std::mutex mutex_;
   sqlite3* db_ = nullptr;
   std::string path_;
+  int busy_wait_ms_ = kDefaultBusyWaitMs;
+  bool schema_pending_ = false;
+  std::vector<std::string> kept_;
+  size_t kept_bytes_ = 0;
   // Reused insert statements of SaveMessageList, by number of info columns.
   std::map<size_t, sqlite3_stmt*> insert_statements_;
 };

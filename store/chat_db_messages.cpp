@@ -36,8 +36,8 @@ void CChatDb::SaveMessageList(const WString& loginUserId,
     }
   }
   std::lock_guard lock(mutex_);
-  if (db_ == nullptr || rows.empty()) return;
-  SaveRowsLocked(rows);
+  if (db_ == nullptr || (rows.empty() && kept_.empty())) return;
+  WriteLocked({}, rows);
 }
 
 sqlite3_stmt* CChatDb::InsertStatementLocked(size_t infoCount) {
@@ -54,25 +54,17 @@ sqlite3_stmt* CChatDb::InsertStatementLocked(size_t infoCount) {
   return statement;
 }
 
-// The same rows as ExecuteTransaction over BuildInsertStatements, through one
+// The same row as its statement from BuildInsertStatements, through one
 // reused statement per column set: a history page of thousands of messages
 // would otherwise spend most of its time parsing SQL.
-void CChatDb::SaveRowsLocked(const std::vector<store::MessageRow>& rows) {
-  BeginLocked();
-  bool traced = false;
-  for (const store::MessageRow& row : rows) {
-    sqlite3_stmt* statement = InsertStatementLocked(row.InfoCount());
-    if (statement == nullptr) continue;
-    int rc = store::BindInsert(statement, row);
-    if (rc == SQLITE_OK) rc = sqlite3_step(statement);
-    if (rc != SQLITE_DONE && (rc & 0xFF) != SQLITE_CONSTRAINT && !traced) {
-      platform::Trace("CChatDb: statement failed: %s", sqlite3_errmsg(db_));
-      traced = true;
-    }
-    sqlite3_reset(statement);
-    sqlite3_clear_bindings(statement);
-  }
-  CommitLocked();
+int CChatDb::InsertRowLocked(const store::MessageRow& row) {
+  sqlite3_stmt* statement = InsertStatementLocked(row.InfoCount());
+  if (statement == nullptr) return sqlite3_errcode(db_);
+  int rc = store::BindInsert(statement, row);
+  if (rc == SQLITE_OK) rc = sqlite3_step(statement);
+  sqlite3_reset(statement);
+  sqlite3_clear_bindings(statement);
+  return rc;
 }
 
 bool CChatDb::QueryCurrentConvMsg(const WString& convId, const WString& loginUserId, int limit,
