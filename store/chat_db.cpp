@@ -119,10 +119,15 @@ void CChatDb::CreateSchemaLocked() {
     // the sequence.
     int rc = ExecLocked(std::string(create));
     if (IsUnusableFile(rc)) unusable = rc;
-    passing = passing || IsPassing(rc);
+    // Held by another connection: every further statement would wait too.
+    passing = IsPassing(rc);
+    if (passing) break;
   }
-  ExecLocked(std::string(store::kCreateConversationIndex));
-  const int committed = ExecLocked("commit;");
+  int committed = SQLITE_BUSY;
+  if (!passing) {
+    ExecLocked(std::string(store::kCreateConversationIndex));
+    committed = ExecLocked("commit;");
+  }
   if (unusable != SQLITE_OK) {
     // Never repaired or replaced here: what the file holds may still be
     // recovered by other means. The next sign-in tries again.
@@ -265,5 +270,5 @@ bool CChatDb::RunSql(const WString& loginUserId, const WString& convId) {
 
 void CChatDb::UpdateDrawingPath(uint64_t uniqueId, const WString& localPath) {
   ExecuteTransaction({"UPDATE MessageTbl SET info12 = '" + store::EncodeHexText(localPath) +
-                      "' WHERE kTIMMsgUniqueId = " + Uint64Sql(uniqueId) + ";"});
+                      "' WHERE kTIMMsgUniqueId = " + store::Uint64Sql(uniqueId) + ";"});
 }

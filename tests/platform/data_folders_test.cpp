@@ -130,7 +130,8 @@ TEST_F(DataFoldersTest, IdsThatAreNotAFolderOfTheirOwnAreRefused) {
     EXPECT_FALSE(folders_.Prepare(id));
     EXPECT_FALSE(fs::exists(docs_)) << "something was created";
   }
-  for (const WString& id : {u"10001", u"logs", u"..a", WString(128, u'x')}) {
+  for (const WString& id :
+       {WString(u"10001"), WString(u"logs"), WString(u"..a"), WString(128, u'x')}) {
     SCOPED_TRACE(Utf16ToUtf8(id));
     EXPECT_TRUE(folders_.Prepare(id));
     EXPECT_TRUE(fs::is_directory(docs_ + "/Vantorel/" + Utf16ToUtf8(id) + "/db"));
