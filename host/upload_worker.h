@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <thread>
 
 #include "platform/strings.h"
 #include "platform/window_messages.h"
@@ -19,8 +18,9 @@ struct UploadTask {
   int32_t folderId = 0;  // the folder in that space; 0 = its root
 };
 
-// The worker owns the task and frees it when it has posted. The caller
-// decides whether to join or detach the thread.
-std::thread StartUploadWorker(std::unique_ptr<UploadTask> task);
+// The worker (a platform::ModuleWorkers thread, so that unloading waits for
+// it) owns the task and frees it when it has posted. False when the module
+// is stopping: nothing is uploaded and the task is freed.
+bool StartUploadWorker(std::unique_ptr<UploadTask> task);
 
 }  // namespace host

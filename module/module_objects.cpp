@@ -8,6 +8,7 @@
 
 #include "host/startup_registration.h"
 #include "imsdk/im_sdk.h"
+#include "platform/module_workers.h"
 #include "platform/trace.h"
 #include "service/chat_tools.h"
 #include "ui/main/im_wnd.h"
@@ -30,12 +31,16 @@ __attribute__((constructor)) void OnLibraryLoad() {
 void UnloadOnce() {
   static std::atomic<bool> done{false};
   if (done.exchange(true)) return;
+  // The module's own threads first: their code goes with this library.
+  platform::ModuleWorkers::Instance().StopAll();
   platform::Trace("IM SDK卸载 开始!!!");
   if (TIMUninit() == 0) {
     platform::Trace("IM SDK卸载结束!!!");
   } else {
     platform::Trace("IM SDK 卸载失败！");
   }
+  // Any a last callback started before the SDK stopped.
+  platform::ModuleWorkers::Instance().StopAll();
   // No SDK callback runs any more; the service stops reaching the window.
   CChatTools::Instance().AttachWindow(nullptr);
   // The host keeps the two callbacks given at start-up; their code leaves

@@ -2,10 +2,10 @@
 #include <json/json.h>
 
 #include <chrono>
-#include <thread>
 
 #include "imsdk/im_sdk.h"
 #include "platform/json_text.h"
+#include "platform/module_workers.h"
 #include "platform/trace.h"
 #include "service/callback_owner.h"
 #include "service/chat_tools.h"
@@ -95,9 +95,11 @@ void CChatTools::TIMMsgDownloadFileElemToPathFunc(int32_t code, const char* desc
     return;
   }
   // Give the file on disk a moment to be complete before the view loads it.
-  // The worker holds only the handle and the key, never the service object.
-  std::thread([window, key] {
-    std::this_thread::sleep_for(kPictureSettleDelay);
-    service::Post(window, platform::msg::kTransferStateChanged, key);
-  }).detach();
+  // The worker holds only the handle and the key, never the service object;
+  // when the module stops meanwhile, the window is going and gets nothing.
+  platform::ModuleWorkers::Instance().Start([window, key](std::stop_token stop) {
+    if (platform::SleepUnlessStopped(stop, kPictureSettleDelay)) {
+      service::Post(window, platform::msg::kTransferStateChanged, key);
+    }
+  });
 }

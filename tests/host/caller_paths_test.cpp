@@ -14,6 +14,7 @@
 #include "host/startup_registration.h"
 #include "host/upload_worker.h"
 #include "host_test_support.h"
+#include "platform/module_workers.h"
 
 namespace host::testing {
 namespace {
@@ -45,8 +46,8 @@ Caller Group(GroupAction action) {
 bool Upload(UserPrompt&, const char*) {
   platform::QueuedWindow window;
   StartUploadWorker(
-      std::make_unique<UploadTask>(UploadTask{window.handle(), u"/none/a.dwg", 1001, 0}))
-      .join();
+      std::make_unique<UploadTask>(UploadTask{window.handle(), u"/none/a.dwg", 1001, 0}));
+  platform::ModuleWorkers::Instance().WaitIdle();
   auto posted = window.Take();
   return posted && posted->wParam == 1;
 }

@@ -10,6 +10,7 @@
 #include "host/startup_registration.h"
 #include "host/upload_worker.h"
 #include "host_test_support.h"
+#include "platform/module_workers.h"
 
 namespace host::testing {
 namespace {
@@ -133,10 +134,8 @@ TEST_F(SessionPaths, FeatureUseEventsCarryTheirTexts) {
 TEST_F(SessionPaths, UploadWorkerPostsOneOrZeroFromItsOwnThread) {
   const auto drawing = Drawing();
   for (const auto& [path, result] : {std::pair{drawing, 1u}, {space_ / "missing.dwg", 0u}}) {
-    std::thread worker = StartUploadWorker(Task(path));
-    const auto workerId = worker.get_id();
-    worker.join();
-    EXPECT_NE(workerId, std::this_thread::get_id());
+    ASSERT_TRUE(StartUploadWorker(Task(path)));
+    platform::ModuleWorkers::Instance().WaitIdle();
     auto posted = window_.WaitFor(1s);
     ASSERT_TRUE(posted);
     EXPECT_EQ(posted->msg, 1025u);
@@ -149,14 +148,14 @@ TEST_F(SessionPaths, UploadWorkerPostsOneOrZeroFromItsOwnThread) {
 
 TEST_F(SessionPaths, UploadWorkersAtOnceEachReportAndAGoneWindowStillFreesTheTask) {
   const auto drawing = Drawing();
-  std::vector<std::thread> workers;
-  for (int i = 0; i < 8; ++i) workers.push_back(StartUploadWorker(Task(drawing)));
-  for (auto& worker : workers) worker.join();
+  for (int i = 0; i < 8; ++i) ASSERT_TRUE(StartUploadWorker(Task(drawing)));
+  platform::ModuleWorkers::Instance().WaitIdle();
   auto posted = window_.TakeAll();
   ASSERT_EQ(posted.size(), 8u);
   for (const auto& message : posted) EXPECT_EQ(message.wParam, 1u);
   window_.Destroy();  // a task left behind fails under the leak checker
-  StartUploadWorker(Task(drawing)).join();
+  ASSERT_TRUE(StartUploadWorker(Task(drawing)));
+  platform::ModuleWorkers::Instance().WaitIdle();
   EXPECT_TRUE(trace_.Contains("window gone"));
 }
 

@@ -5,6 +5,7 @@
 #include "imsdk/im_sdk.h"
 #include "platform/data_folders.h"
 #include "platform/folders.h"
+#include "platform/module_workers.h"
 #include "records/download_param.h"
 #include "tests/service/service_fixture.h"
 
@@ -49,6 +50,17 @@ TEST_F(DownloadsTest, ResultIsAnnouncedAtOnceForFilesAndLaterForPictures) {
   }
   EXPECT_TRUE(traces.Contains("File download failed! ret:"));
   EXPECT_EQ(tools->GetDownloadState(100 + kElemVideo)->secondary_status, 1u);
+}
+
+// Unloading stops the module's workers: a pending picture notice ends at
+// once without its post, so no module thread runs after the library is gone.
+TEST_F(DownloadsTest, StoppingTheModuleEndsAPendingPictureNotice) {
+  const uint32_t key = 300;
+  tools->DownloadMessageElem(
+      platform::Utf8ToUtf16(records::BuildDownloadParam(0, kElemImage, u"id", 0, u"")), u"/f", key);
+  DownloadResult(0, kResult, key);
+  platform::ModuleWorkers::Instance().StopAll();
+  EXPECT_TRUE(window.queue.TakeAll().empty());
 }
 
 TEST_F(DownloadsTest, FailedOrUnknownResultsChangeNothing) {
