@@ -19,10 +19,10 @@ struct JsonLimits {
 };
 
 // What one event or result text of the SDK may cost. The SDK's own JSON is a
-// few levels deep; a friend list of several thousand entries stays far below
-// the value count, and the tree of the largest accepted text is some tens of
-// megabytes.
-inline constexpr JsonLimits kEventJsonLimits{8u << 20, 64, 250'000};
+// few levels deep, and a history page or a friend list of thousands of
+// entries stays far below these; the tree of the largest accepted text is
+// some tens of megabytes.
+inline constexpr JsonLimits kEventJsonLimits{4u << 20, 64, 500'000};
 
 // Parses UTF-8 JSON text into `root`. False, with `root` null and the reason
 // traced (and put into `errors` when given), for anything that is not a

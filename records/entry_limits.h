@@ -18,7 +18,7 @@ inline constexpr size_t kMaxElemsPerMessage = 32;
 // Entries of any one nested list (ids, custom strings, member changes).
 inline constexpr size_t kMaxEntriesPerList = 10'000;
 // Every entry of every list of one text together, top-level ones included.
-inline constexpr size_t kMaxEntriesPerText = 20'000;
+inline constexpr size_t kMaxEntriesPerText = 10'000;
 
 // Shares one budget of kMaxEntriesPerText between all lists read while it
 // lives on this thread. Scopes nest; only the outermost one counts.
