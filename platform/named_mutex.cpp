@@ -9,6 +9,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <map>
 #include <mutex>
 #include <thread>
@@ -59,7 +60,8 @@ std::string LockFolder() {
   }
   candidates.push_back(EnvOr("TMPDIR", "/tmp") + "/im-named-mutex-" + std::to_string(geteuid()));
   const std::string cache = EnvOr("XDG_CACHE_HOME", (EnvOr("HOME", "/") + "/.cache").c_str());
-  mkdir(cache.c_str(), 0700);
+  std::error_code ignored;
+  std::filesystem::create_directories(cache, ignored);
   candidates.push_back(cache + "/im-named-mutex");
   for (const std::string& folder : candidates) {
     if (IsPrivateFolder(folder)) return folder;
