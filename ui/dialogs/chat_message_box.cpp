@@ -4,6 +4,7 @@
 
 #include "platform/trace.h"
 #include "platform/window_messages.h"
+#include "ui/dialogs/dialog_rows.h"
 
 namespace {
 
@@ -13,15 +14,14 @@ std::atomic<bool> g_confirmed{false};
 
 CChatMessageBox::CChatMessageBox(const WString& title, const WString& message,
                                  ui::WindowImplBase* owner, unsigned char mode)
-    : title_(title), message_(message), showCancel_(mode == kQuestion) {
+    : DialogFrame(ui::dialogs::kChatMessageBox),
+      title_(title),
+      message_(message),
+      showCancel_(mode == kQuestion) {
   g_confirmed = false;
-  if (!Create(owner, platform::W("CChatMessageBox"), ui::WindowStyle::kPopupTool)) {
-    platform::Trace("CChatMessageBox: window not created, title %s",
-                    platform::Utf16ToUtf8(title_).c_str());
-    return;
+  if (RunModal(owner) < 0) {
+    platform::Trace("CChatMessageBox: not shown, title %s", platform::Utf16ToUtf8(title_).c_str());
   }
-  CenterWindow();
-  ShowModal();
 }
 
 CChatMessageBox::~CChatMessageBox() = default;
@@ -58,9 +58,4 @@ void CChatMessageBox::Notify(ui::TNotifyUI& msg) {
   } else if (name == "ChatMessagebox_CancelBtn" || name == "ChatMessagebox_closebtn") {
     Close(1);
   }
-}
-
-ui::LRESULT CChatMessageBox::OnKillFocus(unsigned, ui::WPARAM, ui::LPARAM, bool& bHandled) {
-  bHandled = true;
-  return 0;
 }

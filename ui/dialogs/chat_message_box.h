@@ -5,9 +5,9 @@
 // every box overwrites, so read it before showing another.
 
 #include "platform/strings.h"
-#include "ui/kit/window_impl_base.h"
+#include "ui/dialogs/dialog_frame.h"
 
-class CChatMessageBox final : public ui::WindowImplBase {
+class CChatMessageBox final : public ui::DialogFrame {
  public:
   enum Mode : unsigned char { kNotice = 0, kQuestion = 1 };
 
@@ -20,12 +20,7 @@ class CChatMessageBox final : public ui::WindowImplBase {
   static bool Confirmed();
 
  protected:
-  std::string GetWindowClassName() const override { return "CChatMessageBox"; }
-  std::string GetSkinFile() const override { return "ChatMessageBox.xml"; }
   void Notify(ui::TNotifyUI& msg) override;
-  // A click elsewhere leaves the box alone.
-  ui::LRESULT OnKillFocus(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam,
-                          bool& bHandled) override;
 
  private:
   void OnWindowInit();

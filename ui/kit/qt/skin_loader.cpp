@@ -7,25 +7,28 @@
 #include <QtUiTools/QUiLoader>
 
 #include "platform/trace.h"
+#include "ui/kit/qt/im_animation.h"
 #include "ui/kit/qt/im_list.h"
+#include "ui/kit/qt/im_menu_element.h"
 #include "ui/kit/qt/row_list_view.h"
 
 namespace ui::qt {
 namespace {
 
+QWidget* Named(QWidget* widget, const QString& name) {
+  widget->setObjectName(name);
+  return widget;
+}
+
 class SkinUiLoader : public QUiLoader {
  public:
   QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override {
-    if (className == QLatin1String("ImList")) {
-      auto* list = new ImList(parent);
-      list->setObjectName(name);
-      return list;
+    if (className == QLatin1String("ImList")) return Named(new ImList(parent), name);
+    if (className == QLatin1String("ImRowList")) return Named(new RowListView(parent), name);
+    if (className == QLatin1String("ImAnimation")) {
+      return Named(new ImAnimation(workingDirectory(), parent), name);
     }
-    if (className == QLatin1String("ImRowList")) {
-      auto* list = new RowListView(parent);
-      list->setObjectName(name);
-      return list;
-    }
+    if (className == QLatin1String("ImMenuElement")) return Named(new ImMenuElement(parent), name);
     return QUiLoader::createWidget(className, parent, name);
   }
 };

@@ -19,6 +19,7 @@
 #include "platform/trace.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/im_list.h"
+#include "ui/kit/qt/im_menu_element.h"
 #include "ui/kit/qt/row_list_view.h"
 
 namespace ui {
@@ -100,7 +101,13 @@ WindowHost::WindowHost(WindowImplBase* window, QWidget* ownerHost, WindowStyle s
 
 WindowHost::~WindowHost() {
   platform::UnregisterWindow(handle_);
-  if (window_) window_->host_ = nullptr;  // deleted under the window, e.g. with its owner
+  // Deleted under the window, with its owner: the window is gone all the
+  // same, so a self-deleting dialog still gets its final message.
+  if (WindowImplBase* window = window_) {
+    window_ = nullptr;
+    window->host_ = nullptr;
+    window->OnFinalMessage();
+  }
 }
 
 bool WindowHost::Attach(QWidget* root) {
@@ -124,7 +131,10 @@ void WindowHost::Wire(QWidget* root) {
       push->setAutoDefault(false);  // Enter does not press buttons behind the user's back
       push->setDefault(false);
     }
-    if (auto* button = qobject_cast<QAbstractButton*>(w)) {
+    if (auto* element = qobject_cast<qt::ImMenuElement*>(w)) {
+      connect(element, &QAbstractButton::clicked, this,
+              [this, element] { SendNotify(element, kNotifyItemClick); });
+    } else if (auto* button = qobject_cast<QAbstractButton*>(w)) {
       connect(button, &QAbstractButton::clicked, this,
               [this, button] { SendNotify(button, kNotifyClick); });
       connect(button, &QAbstractButton::toggled, this, [this, button] {
