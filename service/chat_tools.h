@@ -145,6 +145,10 @@ class CChatTools {
   void DealConvListFunc(const std::string& json);
   WString GetConvNickName(uint32_t convType, const WString& convId);
   uint32_t GetCurrenConvType(const WString& convId);
+  // The local copy of a picture in the face cache, downloaded through the
+  // host when it is not there yet; `fallback` when there is no address or the
+  // download failed.
+  WString FacePathFor(const WString& faceUrl, const WString& fallback);
   void GetConvImage(uint32_t convType, const WString& convId, WString& imagePath, WString& name);
   // Handed to the host: appends {name, id, type} per recent conversation of
   // type 1 or 2; null does nothing.
@@ -295,7 +299,6 @@ class CChatTools {
 
   // Conversation pieces.
   bool IsKnownGroupLocked(const WString& groupId) const;
-  WString FacePathFor(const WString& faceUrl, const WString& fallback);
   void UnregisterSdkCallbacks();
 
   // Groups.

@@ -7,6 +7,7 @@
 #include "service/chat_tools.h"
 #include "service/current_conversation.h"
 #include "service/named_mutexes.h"
+#include "ui/main/chat_dialog_routes.h"
 #include "ui/main/unread_dots.h"
 
 namespace {
@@ -85,7 +86,7 @@ void CIMWnd::MakePanes() {
   messageView_ = std::make_unique<ui::main::MessageViewRoutes>();
   composer_ = std::make_unique<ui::main::ComposerRoutes>(controls_.composer);
   friends_ = std::make_unique<ui::main::FriendListRoutes>();
-  dialogs_ = std::make_unique<ui::main::DialogRoutes>();
+  dialogs_ = std::make_unique<ui::main::ChatDialogRoutes>(*this, tools_);
 }
 
 void CIMWnd::Init() {

@@ -15,17 +15,9 @@
 
 namespace msg = platform::msg;
 using service::AdoptPayload;
+using ui::EqualsNoCase;
 
 namespace {
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (lower(a[i]) != lower(b[i])) return false;
-  }
-  return true;
-}
 
 ui::Control AncestorNamed(ui::Control control, std::string_view name) {
   for (; control; control = control.GetParent()) {
