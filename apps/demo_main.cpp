@@ -139,8 +139,8 @@ int main(int argc, char** argv) {
   int exitCode = 0;
   if (headless) {
     demo::ScriptResult result = demo::RunHeadlessScript(module, host, world, dataRoot);
-    if (result.ok) {
-      std::printf("Screenshot of the chat window: %s\n", result.screenshot.c_str());
+    for (const std::string& screenshot : result.screenshots) {
+      std::printf("Screenshot: %s\n", screenshot.c_str());
     }
     std::printf("Data tree: %s\n", dataRoot.c_str());
     std::printf("Chat.db:   %s/%s/db/Chat.db\n", dataRoot.c_str(), demo::kUser);

@@ -15,6 +15,7 @@
 
 #include <ctime>
 
+#include "apps/demo_dialogs.h"
 #include "host/local/local_host.h"
 #include "imsdk/engine_control.h"
 #include "platform/strings.h"
@@ -159,11 +160,27 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
   Say("Pending friend request from 赵工 (10004) waits for the user.");
 
   QWidget* window = FindChatWindow();
-  result.screenshot = dataRoot + "/chat-window.png";
-  if (window == nullptr || !window->grab().save(QString::fromStdString(result.screenshot))) {
-    Say("Could not write the screenshot %s.", result.screenshot);
+  const std::string chatShot = dataRoot + "/chat-window.png";
+  if (window == nullptr || !window->grab().save(QString::fromStdString(chatShot))) {
+    Say("Could not write the screenshot %s.", chatShot);
     return result;
   }
+  result.screenshots.push_back(chatShot);
+
+  // The user looks for 赵工 by e-mail address, then opens the settings.
+  const std::string menuShot = dataRoot + "/add-menu.png";
+  const std::string addFriendShot = dataRoot + "/add-friend-dialog.png";
+  const std::string settingsShot = dataRoot + "/settings-dialog.png";
+  if (!ShootAddFriend(std::string(kStranger) + "@example.com", menuShot, addFriendShot)) {
+    Say("The add-friend dialog did not show a found account.");
+    return result;
+  }
+  Say("张明 searched %s@example.com in the add-friend dialog and found 赵工.", kStranger);
+  if (!ShootSettings(settingsShot)) {
+    Say("The settings dialog did not open.");
+    return result;
+  }
+  result.screenshots.insert(result.screenshots.end(), {menuShot, addFriendShot, settingsShot});
   std::printf("Chat.db holds %d messages.\n", StoredMessageCount(db));
   result.ok = true;
   return result;

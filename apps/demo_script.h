@@ -3,6 +3,7 @@
 // end and reports what happened.
 
 #include <string>
+#include <vector>
 
 #include "apps/demo_world.h"
 #include "module/module_library.h"
@@ -13,7 +14,7 @@ namespace demo {
 
 struct ScriptResult {
   bool ok = false;
-  std::string screenshot;
+  std::vector<std::string> screenshots;  // the chat window first, then its dialogs
 };
 
 // Runs with the user signed in and the chat window shown. Prints each step.
