@@ -2,6 +2,7 @@
 // port from other threads.
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
 #include <QTimer>
@@ -25,6 +26,13 @@
 namespace {
 
 using ui::test::PumpUntil;
+
+QWidget* ShownTopLevel(const char* className) {
+  for (QWidget* w : QApplication::topLevelWidgets()) {
+    if (w->objectName() == QLatin1String(className) && w->isVisible()) return w;
+  }
+  return nullptr;
+}
 
 // Records the messages the window receives.
 struct SpyWnd : CIMWnd {
@@ -236,6 +244,33 @@ TEST_F(ImWndTest, DestroyingFreesPayloadsStillQueued) {
   EXPECT_FALSE(window_.IsCreated());
   EXPECT_EQ(port_.ChatWindow(), platform::WindowHandle::kNone);
   EXPECT_FALSE(service::Post(handle, platform::msg::kNetworkStatusChanged));
+}
+
+// The add menu opens at the lower-left corner of CreateGroupBtn; its first
+// item reports the feature to the host and then opens the add-friend dialog.
+TEST_F(ImWndTest, AddMenuAtTheButtonOpensTheAddFriendDialogAfterReportingIt) {
+  host::local::LocalHost host(testing::TempDir() + "/add-menu-space");
+  host.Install();
+  ShowAt(680);
+  ui::Control button = window_.FindControl("CreateGroupBtn");
+  window_.SendNotify(button, ui::kNotifyClick);
+  QWidget* menu = nullptr;
+  ASSERT_TRUE(PumpUntil([&] { return (menu = ShownTopLevel("CAddFriendMenu ")) != nullptr; }));
+  ui::Rect w = window_.GetWindowRect();
+  ui::Rect b = button.GetPos();
+  EXPECT_EQ(menu->frameGeometry().topLeft(), QPoint(w.left + b.left, w.top + b.bottom));
+
+  std::vector<WString> usesWhenShown;
+  std::function<void()> poll = [&] {
+    QWidget* dialog = ShownTopLevel("AddFriendWnd");
+    if (dialog == nullptr) return QTimer::singleShot(1, poll);
+    usesWhenShown = host.FeatureUses();
+    dialog->close();
+  };
+  QTimer::singleShot(0, poll);
+  menu->findChild<QAbstractButton*>("Elem_Menu_AddFriend")->click();
+  EXPECT_TRUE(PumpUntil([&] { return !usesWhenShown.empty() && !ShownTopLevel("AddFriendWnd"); }));
+  EXPECT_EQ(usesWhenShown, std::vector<WString>{u"IM-AddFriend"});
 }
 
 }  // namespace
