@@ -1,5 +1,6 @@
 // The friendship service against the embedded engine and the local host.
 #include "host/local/local_host.h"
+#include "service/panes/add_friend_source.h"
 #include "tests/service/service_fixture.h"
 
 namespace service_test {
@@ -89,6 +90,43 @@ TEST_F(FriendshipTest, ParameterObjectsCarryExactlyTheirKeys) {
   // The peer got the request with the wording.
   EXPECT_EQ(engine.PendencyCount("10003"), 1u);
   ASSERT_TRUE(PumpUntil([&] { return traces.Contains("添加好友 成功!!! cb code:0"); }));
+}
+
+// What the add-friend dialog and the search row's button ask of the service
+// and the host: the own account told apart, an account without chat identity
+// prepared before the request, and each caller's source text.
+TEST_F(FriendshipTest, AddFriendSourceFindsPreparesAndRequestsWithTheCallersTexts) {
+  host_.AddAccount({10001, u"self@example.com", u"13800000001", u"Me", u"", true});
+  host_.AddAccount({10003, u"new@example.com", u"13800000003", u"New", u"", false});
+  host_.SignIn(10001);
+  SdkCallLog log;
+  ASSERT_TRUE(SignIn());
+  service::ChatToolsAddFriendSource source(*tools);
+  AccountInfo self;
+  AccountInfo found;
+  ASSERT_EQ(source.SearchAccount(u"13800000001", host::AccountKind::kMobile, self),
+            host::AccountSearchResult::kFound);
+  ASSERT_EQ(source.SearchAccount(u"new@example.com", host::AccountKind::kEmail, found),
+            host::AccountSearchResult::kFound);
+  EXPECT_TRUE(source.IsOwnAccount(self));
+  EXPECT_FALSE(source.IsOwnAccount(found));
+  EXPECT_EQ(source.AvatarPicture(found), u"..\\img\\PersonDefaultImg.png");  // none to fetch
+
+  EXPECT_EQ(source.ActOnAccount(u"new@example.com", host::AccountKind::kEmail, found),
+            host::AccountActionResult::kFriendRequestSent);
+  EXPECT_EQ(HostCallsOf("PrepareAccountForChat"), std::vector<std::string>{"10003"});
+  EXPECT_EQ(source.RequestFriend(u"10002", u"账号查找", u"加好友"), 0);
+  std::vector<Json::Value> requests = log.CallsOf("TIMFriendshipAddFriend");
+  ASSERT_EQ(requests.size(), 2u);
+  const struct {
+    const char* id;
+    const char* source;
+  } expected[] = {{"10003", "账户查找"}, {"10002", "账号查找"}};
+  for (size_t i = 0; i < 2; ++i) {
+    Json::Value param = SdkCallLog::Param(requests[i], "json");
+    EXPECT_EQ(param["friendship_add_friend_param_identifier"].asString(), expected[i].id);
+    EXPECT_EQ(param["friendship_add_friend_param_add_source"].asString(), expected[i].source);
+  }
 }
 
 TEST_F(FriendshipTest, IncomingRequestIsListedAcceptedAndMarkedHandled) {
