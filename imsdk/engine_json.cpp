@@ -3,6 +3,7 @@
 #include "imsdk/engine.h"
 #include "imsdk/im_sdk.h"
 #include "imsdk/json_util.h"
+#include "imsdk/profile_json.h"
 
 namespace imsdk {
 
@@ -47,20 +48,8 @@ std::string Engine::ConversationJsonLocked(const std::string& owner, const ConvK
 }
 
 Json::Value Engine::ProfileValueLocked(const Account& a) const {
-  Json::Value v(Json::objectValue);
-  v["user_profile_identifier"] = a.id;
-  v["user_profile_nick_name"] = a.nick;
-  v["user_profile_gender"] = a.gender;
-  v["user_profile_face_url"] = a.face_url;
-  v["user_profile_self_signature"] = a.self_signature;
-  v["user_profile_add_permission"] = a.add_permission;
-  v["user_profile_location"] = "";
-  v["user_profile_language"] = 0;
-  v["user_profile_birthday"] = 0;
-  v["user_profile_level"] = 0;
-  v["user_profile_role"] = 0;
-  v["user_profile_custom_string_array"] = Json::Value(Json::arrayValue);
-  return v;
+  return ProfileObject(
+      ProfileFields{a.id, a.nick, a.gender, a.face_url, a.self_signature, a.add_permission});
 }
 
 Json::Value Engine::FriendValueLocked(const Friend& f) const {
