@@ -7,6 +7,8 @@
 #include "imsdk/engine.h"
 #include "imsdk/failure_queue.h"
 #include "imsdk/json_util.h"
+#include "imsdk/xmpp/xmpp_backend.h"
+#include "imsdk/xmpp/xmpp_config.h"
 #include "platform/trace.h"
 
 namespace imsdk {
@@ -37,8 +39,11 @@ class Runtime::Sink : public EventSink {
   int log_level_ = 0;
 };
 
-Runtime::Runtime(Backend* backend, int callback_log_level)
-    : backend_(backend), thread_(std::make_shared<CallbackThread>()), sink_(new Sink(thread_)) {
+Runtime::Runtime(Backend* backend, int callback_log_level, std::unique_ptr<Backend> owned)
+    : owned_backend_(std::move(owned)),
+      backend_(backend),
+      thread_(std::make_shared<CallbackThread>()),
+      sink_(new Sink(thread_)) {
   sink_->SetLogLevel(callback_log_level);
   backend_->Start(sink_.get());
 }
@@ -96,6 +101,25 @@ std::mutex& LifecycleMutex() {
 
 }  // namespace
 
+// The embedded engine, or a server backend when the configuration asks for one.
+static std::shared_ptr<Runtime> MakeRuntime(const Json::Value& config) {
+  const std::string folder = config.get("sdk_config_config_file_path", "").asString();
+  xmpp::BackendChoice choice = xmpp::ChooseBackend(folder);
+  if (!choice.xmpp && choice.error.empty()) {
+    return std::make_shared<Runtime>(&Engine::Instance(), 0);
+  }
+  if (!choice.error.empty()) {
+    platform::Trace("imsdk: %s; every sign-in will fail", choice.error.c_str());
+  } else {
+    platform::Trace("imsdk: XMPP server backend for %s (from %s)", choice.xmpp->domain.c_str(),
+                    choice.file.c_str());
+  }
+  auto backend =
+      std::make_unique<xmpp::XmppBackend>(choice.xmpp.value_or(xmpp::XmppConfig{}), choice.error);
+  Backend* raw = backend.get();
+  return std::make_shared<Runtime>(raw, 0, std::move(backend));
+}
+
 std::shared_ptr<Runtime> CurrentRuntime() {
   std::lock_guard lock(RuntimeMutex());
   return RuntimeSlot();
@@ -105,8 +129,7 @@ int StartRuntime(const Json::Value& config) {
   std::unique_lock life(LifecycleMutex(), std::try_to_lock);
   if (!life.owns_lock()) return TIM_ERR_ALREADY_INITIALIZED;  // TIMUninit still running
   if (CurrentRuntime()) return TIM_ERR_ALREADY_INITIALIZED;
-  (void)config;
-  auto runtime = std::make_shared<Runtime>(&Engine::Instance(), 0);
+  auto runtime = MakeRuntime(config);
   std::lock_guard lock(RuntimeMutex());
   RuntimeSlot() = std::move(runtime);
   return TIM_SUCC;

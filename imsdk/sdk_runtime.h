@@ -13,7 +13,8 @@ namespace imsdk {
 
 class Runtime {
  public:
-  Runtime(Backend* backend, int callback_log_level);
+  // `owned` is the backend when the runtime owns it (a server backend).
+  Runtime(Backend* backend, int callback_log_level, std::unique_ptr<Backend> owned = nullptr);
   ~Runtime();
   Backend& backend() { return *backend_; }
   CallbackThread& thread() { return *thread_; }
@@ -25,6 +26,7 @@ class Runtime {
 
  private:
   class Sink;
+  std::unique_ptr<Backend> owned_backend_;
   Backend* backend_;
   std::shared_ptr<CallbackThread> thread_;
   std::unique_ptr<Sink> sink_;

@@ -1,0 +1,146 @@
+#pragma once
+// The SDK's backend for an XMPP server. The C functions' requests are handed
+// to the link's worker thread, which owns the connection, the roster and the
+// local store; results and events are reported from that thread only, so
+// they reach the callback thread in the order things happened.
+#include <atomic>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "imsdk/backend.h"
+#include "imsdk/xmpp/local_store.h"
+#include "imsdk/xmpp/message_codec.h"
+#include "imsdk/xmpp/xmpp_config.h"
+#include "imsdk/xmpp/xmpp_link.h"
+
+namespace imsdk::xmpp {
+
+struct RosterItem {
+  std::string name;  // the remark
+  std::string subscription = "none";
+  bool asking = false;  // our request waits for the peer
+  std::vector<std::string> groups;
+  bool IsFriend() const { return subscription == "both"; }
+};
+
+class XmppBackend final : public Backend, public LinkListener {
+ public:
+  // With a non-empty `config_error` every sign-in fails with that text.
+  XmppBackend(XmppConfig config, std::string config_error);
+  ~XmppBackend() override;
+
+  void Start(EventSink* sink) override;
+  void Stop() override;
+  int Login(const std::string& user, const std::string& sig, ResultFn done) override;
+  int Logout(ResultFn done) override;
+  int GetConvList(ResultFn done) override;
+  int CreateConv(const std::string& id, int type, ResultFn done) override;
+  int DeleteConv(const std::string& id, int type, ResultFn done) override;
+  int SendMessage(const std::string& id, int type, const Json::Value& msg, ResultFn done) override;
+  int GetMessages(const std::string& id, int type, const Json::Value& param,
+                  ResultFn done) override;
+  int ReportRead(const std::string& id, int type, const Json::Value& msg, ResultFn done) override;
+  int Download(const Json::Value& param, const std::string& path, ResultFn done) override;
+  int GetFriends(ResultFn done) override;
+  int AddFriend(const Json::Value& param, ResultFn done) override;
+  int DeleteFriends(const Json::Value& param, ResultFn done) override;
+  int ModifyFriend(const Json::Value& param, ResultFn done) override;
+  int GetPendencies(const Json::Value& param, ResultFn done) override;
+  int ReportPendenciesRead(uint64_t time_stamp, ResultFn done) override;
+  int HandleFriendRequest(const Json::Value& param, ResultFn done) override;
+  int GetProfiles(const Json::Value& param, ResultFn done) override;
+  int ModifySelfProfile(const Json::Value& param, ResultFn done) override;
+  int GetJoinedGroups(ResultFn done) override;
+  int GetGroupInfos(const Json::Value& ids, ResultFn done) override;
+  int CreateGroup(const Json::Value& param, ResultFn done) override;
+  int DisbandGroup(const std::string& group_id, ResultFn done) override;
+  int QuitGroup(const std::string& group_id, ResultFn done) override;
+  int InviteMembers(const Json::Value& param, ResultFn done) override;
+  int RemoveMembers(const Json::Value& param, ResultFn done) override;
+  int ModifyGroup(const Json::Value& param, ResultFn done) override;
+  int GetMembers(const Json::Value& param, ResultFn done) override;
+
+ private:
+  enum Phase { kSignedOut, kSigningIn, kSignedIn };
+
+  // LinkListener (worker thread).
+  void OnStreamReady(bool resumed) override;
+  void OnSignInFailed(LoginFailure why, const std::string& detail) override;
+  void OnConnectionLost(const std::string& detail) override;
+  void OnSessionEnded(bool kicked, const std::string& detail) override;
+  void OnStanza(xmpp_stanza_t* stanza) override;
+  void OnIdle() override;
+
+  // Refuses when not signed in; else runs `task` on the worker.
+  int WhenSignedIn(std::function<void()> task);
+  // For requests whose refusal depends on the worker's state: runs `task`
+  // on the worker and returns its code (a refusal, or 0 after it answered).
+  int AnswerNow(std::function<int()> task);
+  void Emit(Event event);
+  void Trace(const char* format, ...) __attribute__((format(printf, 2, 3)));
+  void EndSession();
+  std::string JidOf(const std::string& user) const { return user + "@" + config_.domain; }
+  // The user id of a JID of our domain ("" for other domains).
+  std::string UserOf(const std::string& jid) const;
+  uint64_t Now() const;
+
+  // Session (xmpp_backend.cpp).
+  void FetchRoster(std::function<void(bool ok)> then);
+  void SendInitialPresence();
+
+  // Messages (xmpp_messages.cpp).
+  void OnMessage(xmpp_stanza_t* stanza);
+  void OnMessageError(xmpp_stanza_t* stanza);
+  // Stores a received message; queues it for the new-message callback
+  // unless it is a duplicate.
+  void AcceptIncoming(const WireMessage& wire);
+  Json::Value MessageValue(const std::string& conv_id, const std::string& sender,
+                           uint64_t unique_id, uint64_t time, bool from_self, bool is_read,
+                           const Json::Value& elems) const;
+  void FlushIncoming();
+  Json::Value ConversationValue(const StoredConversation& conv) const;
+
+  // History (xmpp_history.cpp).
+  struct HistoryQuery;
+  void QueryArchivePage(std::shared_ptr<HistoryQuery> query);
+  // True when `stanza` is an archive result (used or dropped).
+  bool OnArchiveResult(xmpp_stanza_t* stanza);
+
+  // Friends and profiles (xmpp_friends.cpp).
+  void OnRosterPush(xmpp_stanza_t* iq);
+  void ApplyRosterItem(xmpp_stanza_t* item, Json::Value* added, Json::Value* removed);
+  void OnPresence(xmpp_stanza_t* stanza);
+  void OnSubscribeRequest(const std::string& peer, const std::string& wording);
+  void SendPresence(const std::string& to, const char* type, const std::string& status = {});
+  void SetRosterItem(const std::string& peer, const std::string& name,
+                     const std::vector<std::string>& groups, std::function<void(bool)> then);
+  Json::Value FriendValue(const std::string& id, const RosterItem& item) const;
+  Json::Value RequestValue(const StoredRequest& request) const;
+  void PublishAvatarUrl(const std::string& url, std::function<void()> then);
+  Json::Value ProfileFromVCard(const std::string& id, xmpp_stanza_t* vcard) const;
+  void FetchProfiles(std::vector<std::string> ids, std::shared_ptr<Json::Value> out, ResultFn done);
+
+  XmppConfig config_;
+  std::string config_error_;
+  EventSink* sink_ = nullptr;
+  std::unique_ptr<XmppLink> link_;
+  std::atomic<int> phase_{kSignedOut};
+
+  // ---- Worker thread only. ----
+  std::string user_;
+  std::string self_jid_;  // bare
+  ResultFn login_done_;
+  LocalStore store_;
+  std::map<std::string, RosterItem> roster_;  // by user id
+  Json::Value incoming_{Json::arrayValue};    // received, not yet reported
+  bool batch_open_ = false;                   // a store transaction holds them
+  std::map<std::string, int> bounced_;        // send ids the server refused: code
+  std::map<std::string, std::shared_ptr<HistoryQuery>> history_;  // by query id
+  std::map<std::string, Json::Value> profiles_;                   // profiles read, by user id
+  std::map<std::string, std::string> profile_versions_;           // friends' announced versions
+};
+
+}  // namespace imsdk::xmpp

@@ -1,0 +1,146 @@
+// History pages from the server's archive (MAM with result set paging).
+#include <algorithm>
+
+#include "imsdk/im_sdk.h"
+#include "imsdk/json_util.h"
+#include "imsdk/xmpp/xmpp_backend.h"
+
+namespace imsdk::xmpp {
+namespace {
+
+// Prosody answers at most 50 results per page.
+constexpr int kPageSize = 50;
+// A page walk that finds nothing stops somewhere.
+constexpr int kMostPages = 40;
+
+}  // namespace
+
+struct XmppBackend::HistoryQuery {
+  std::string peer;
+  int count = 20;
+  bool forward = false;
+  uint64_t anchor = 0;
+  // Looking for the anchor: its archive id is not known, so the pages are
+  // read from the newest until it shows up.
+  bool seeking = false;
+  std::string cursor;  // RSM before/after id
+  int pages = 0;
+  std::string query_id;
+  std::vector<Json::Value> page;  // this page's messages, in archive order
+  Json::Value collected{Json::arrayValue};
+  ResultFn done;
+};
+
+int XmppBackend::GetMessages(const std::string& id, int type, const Json::Value& param,
+                             ResultFn done) {
+  ParamReader reader(param);
+  const Json::Value& last = reader.Object("msg_getmsglist_param_last_msg");
+  const int64_t count = reader.Int64("msg_getmsglist_param_count", 20);
+  const bool forward = reader.Bool("msg_getmsglist_param_is_forward", false);
+  reader.Bool("msg_getmsglist_param_is_remble", false);
+  ParamReader last_reader(last);
+  const uint64_t anchor = last_reader.UInt64("message_unique_id", 0);
+  if (!reader.ok() || !last_reader.ok()) return TIM_ERR_INVALID_JSON;
+  if (count < 1 || count > 1000) return TIM_ERR_INVALID_PARAM;
+  return WhenSignedIn([this, id, type, count, forward, anchor, done] {
+    if (type != kTIMConv_C2C || !IsValidLocalPart(id)) return done(TIM_SUCC, "", "[]");
+    auto query = std::make_shared<HistoryQuery>();
+    query->peer = id;
+    query->count = static_cast<int>(count);
+    query->forward = forward;
+    query->anchor = anchor;
+    query->done = done;
+    if (anchor != 0) {
+      query->cursor = store_.ArchiveId(anchor);
+      query->seeking = query->cursor.empty();
+    }
+    if (query->seeking && forward) {
+      // Newer than a message the archive cannot place: nothing to add.
+      return done(TIM_SUCC, "", "[]");
+    }
+    QueryArchivePage(query);
+  });
+}
+
+void XmppBackend::QueryArchivePage(std::shared_ptr<HistoryQuery> query) {
+  xmpp_ctx_t* ctx = link_->ctx();
+  query->query_id = link_->NewId();
+  query->page.clear();
+  Stanza form(ctx, "x");
+  form.Ns(ns::kDataForm).Attr("type", "submit");
+  Stanza form_type(ctx, "field");
+  form_type.Attr("var", "FORM_TYPE").Attr("type", "hidden").AddText("value", ns::kMam);
+  Stanza with(ctx, "field");
+  with.Attr("var", "with").AddText("value", JidOf(query->peer));
+  form.Add(form_type).Add(with);
+  Stanza set(ctx, "set");
+  set.Ns(ns::kRsm).AddText("max", std::to_string(kPageSize));
+  if (query->forward) {
+    set.AddText("after", query->cursor);
+  } else if (query->cursor.empty()) {
+    set.Add(Stanza(ctx, "before"));  // the last page
+  } else {
+    set.AddText("before", query->cursor);
+  }
+  Stanza mam(ctx, "query");
+  mam.Ns(ns::kMam).Attr("queryid", query->query_id).Add(form).Add(set);
+  Stanza iq(ctx, "iq");
+  iq.Attr("type", "set").Add(mam);
+  history_[query->query_id] = query;
+  link_->SendIq(std::move(iq), [this, query](xmpp_stanza_t* reply) {
+    history_.erase(query->query_id);
+    if (reply == nullptr || AttrOf(reply, "type") == "error") {
+      Trace("history with %s failed: %s", query->peer.c_str(),
+            reply == nullptr ? "no answer" : ErrorCondition(reply).c_str());
+      return query->done(TIM_ERR_NETWORK, "the server's archive did not answer", "");
+    }
+    xmpp_stanza_t* fin = ChildOf(reply, "fin", ns::kMam);
+    xmpp_stanza_t* rsm = ChildOf(fin, "set", ns::kRsm);
+    const bool complete = AttrOf(fin, "complete") == "true" || query->page.empty();
+    // Newest first going back, oldest first going forward.
+    if (!query->forward) std::reverse(query->page.begin(), query->page.end());
+    for (auto& msg : query->page) {
+      if (static_cast<int>(query->collected.size()) >= query->count) break;
+      if (query->seeking) {
+        if (msg["message_unique_id"].asUInt64() == query->anchor) query->seeking = false;
+        continue;
+      }
+      if (msg["message_unique_id"].asUInt64() == query->anchor) continue;
+      query->collected.append(msg);
+    }
+    const bool full = static_cast<int>(query->collected.size()) >= query->count;
+    if (full || complete || ++query->pages >= kMostPages) {
+      return query->done(TIM_SUCC, "", WriteJson(query->collected));
+    }
+    query->cursor = ChildText(rsm, query->forward ? "last" : "first");
+    if (query->cursor.empty()) return query->done(TIM_SUCC, "", WriteJson(query->collected));
+    QueryArchivePage(query);
+  });
+}
+
+bool XmppBackend::OnArchiveResult(xmpp_stanza_t* stanza) {
+  xmpp_stanza_t* result = ChildOf(stanza, "result", ns::kMam);
+  if (result == nullptr) return false;
+  const std::string from = AttrOf(stanza, "from");
+  // Only our own server speaks for our archive.
+  if (!from.empty() && from != self_jid_) return true;
+  auto it = history_.find(AttrOf(result, "queryid"));
+  if (it == history_.end()) return true;
+  xmpp_stanza_t* forwarded = ChildOf(result, "forwarded", ns::kForward);
+  xmpp_stanza_t* inner = ChildOf(forwarded, "message");
+  std::string why;
+  auto wire = ReadChatMessage(inner, self_jid_, &why);
+  if (!wire) return true;  // markers, receipts, chat states
+  wire->archive_id = AttrOf(result, "id");
+  if (wire->server_time == 0) wire->server_time = DelayStamp(forwarded);
+  const bool from_self = wire->from_bare == self_jid_;
+  const std::string peer = UserOf(from_self ? wire->to_bare : wire->from_bare);
+  if (peer != it->second->peer) return true;
+  const uint64_t unique_id = MessageIdFor(*wire);
+  store_.SetArchiveId(unique_id, wire->archive_id);
+  it->second->page.push_back(MessageValue(peer, from_self ? user_ : peer, unique_id,
+                                          wire->server_time, from_self, true, wire->elems));
+  return true;
+}
+
+}  // namespace imsdk::xmpp
