@@ -16,7 +16,7 @@ std::vector<Record> Recorder::Matching(const std::function<bool(const Record&)>&
                                        size_t count) {
   std::unique_lock lock(mutex_);
   std::vector<Record> found;
-  changed_.wait_for(lock, std::chrono::seconds(5), [&] {
+  changed_.wait_for(lock, patience_, [&] {
     found.clear();
     for (const auto& r : records_) {
       if (match(r)) found.push_back(r);
@@ -46,6 +46,11 @@ size_t Recorder::Count(const std::string& name) const {
   size_t n = 0;
   for (const auto& r : records_) n += r.name == name;
   return n;
+}
+
+void Recorder::SetPatience(std::chrono::seconds patience) {
+  std::lock_guard lock(mutex_);
+  patience_ = patience;
 }
 
 void Recorder::Clear() {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <json/json.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -27,7 +28,9 @@ struct Record {
 class Recorder {
  public:
   void Add(Record record);
-  // Waits (up to 5 s) until `count` records named `name` exist; returns them.
+  // How long the waits below wait (5 s unless set).
+  void SetPatience(std::chrono::seconds patience);
+  // Waits until `count` records named `name` exist; returns them.
   std::vector<Record> WaitFor(const std::string& name, size_t count = 1);
   // The result of the request tagged `tag` (waits for it).
   Record Result(const std::string& tag);
@@ -40,6 +43,7 @@ class Recorder {
   mutable std::mutex mutex_;
   std::condition_variable changed_;
   std::vector<Record> records_;
+  std::chrono::seconds patience_{5};
 };
 
 Recorder& GetRecorder();

@@ -1,0 +1,115 @@
+#!/usr/bin/python3
+"""An independent XMPP client for the tests, written on slixmpp.
+
+Usage: peer.py JID PASSWORD HOST PORT
+Reads one JSON command per line on stdin and prints one JSON event per
+line on stdout:
+  {"cmd": "send", "to": JID, "body": TEXT, "extra": XML?, "id": ID?}
+  {"cmd": "send_many", "to": JID, "count": N}      bodies "n<i>"
+  {"cmd": "raw", "data": TEXT}                      anything, sent as it is
+  {"cmd": "presence", "to": JID, "type": T, "status": TEXT?}
+  {"cmd": "roster_remove", "jid": JID}
+  {"cmd": "quit"}
+Events: ready, message (from, body, xml), presence (from, type, status),
+roster (jid, subscription), sent (count), disconnected.
+"""
+import asyncio
+import json
+import os
+import sys
+
+import slixmpp
+from slixmpp.xmlstream import ET
+
+
+def emit(**event):
+    sys.stdout.write(json.dumps(event) + "\n")
+    sys.stdout.flush()
+
+
+class Peer(slixmpp.ClientXMPP):
+    def __init__(self, jid, password):
+        super().__init__(jid, password)
+        self.pending = b""
+        # The tests answer subscription requests themselves.
+        self.roster.auto_authorize = None
+        self.roster.auto_subscribe = None
+        self.add_event_handler("session_start", self.on_start)
+        self.add_event_handler("message", self.on_message)
+        self.add_event_handler("disconnected", lambda _: emit(event="disconnected"))
+        for kind in ("presence_subscribe", "presence_subscribed", "presence_unsubscribe",
+                     "presence_unsubscribed"):
+            self.add_event_handler(kind, self.on_presence)
+        self.add_event_handler("roster_update", self.on_roster)
+        self.add_event_handler("presence_available", self.on_presence)
+        self.add_event_handler("presence_unavailable", self.on_presence)
+
+    async def on_start(self, _):
+        await self.get_roster()
+        self.send_presence()
+        asyncio.get_event_loop().add_reader(sys.stdin.fileno(), self.on_command)
+        emit(event="ready")
+
+    def on_message(self, msg):
+        emit(event="message", type=msg["type"], **{"from": str(msg["from"].bare)},
+             body=msg["body"], xml=str(msg))
+
+    def on_presence(self, pres):
+        emit(event="presence", type=pres["type"], status=pres["status"],
+             **{"from": str(pres["from"].bare)})
+
+    def on_roster(self, iq):
+        for jid, item in iq["roster"]["items"].items():
+            emit(event="roster", jid=str(jid), subscription=item["subscription"])
+
+    def on_command(self):
+        # Unbuffered: every complete line that arrived is run now.
+        data = os.read(sys.stdin.fileno(), 1 << 20)
+        if not data:
+            asyncio.get_event_loop().remove_reader(sys.stdin.fileno())
+            self.disconnect()
+            return
+        self.pending += data
+        *lines, self.pending = self.pending.split(b"\n")
+        for line in lines:
+            try:
+                self.run(json.loads(line))
+            except Exception as error:  # a bad command is reported, never fatal
+                emit(event="error", text=str(error))
+
+    def run(self, cmd):
+        kind = cmd["cmd"]
+        if kind == "send":
+            msg = self.make_message(mto=cmd["to"], mbody=cmd.get("body"), mtype="chat")
+            if cmd.get("id"):
+                msg["id"] = cmd["id"]
+            if cmd.get("extra"):
+                msg.append(ET.fromstring(cmd["extra"]))
+            msg.send()
+        elif kind == "send_many":
+            for i in range(cmd["count"]):
+                self.send_message(mto=cmd["to"], mbody="n%d" % i, mtype="chat")
+            emit(event="sent", count=cmd["count"])
+        elif kind == "raw":
+            self.send_raw(cmd["data"])
+        elif kind == "presence":
+            self.send_presence(pto=cmd["to"], ptype=cmd["type"], pstatus=cmd.get("status"))
+        elif kind == "roster_remove":
+            self.del_roster_item(cmd["jid"])
+        elif kind == "quit":
+            self.disconnect()
+
+
+def main():
+    jid, password, host, port = sys.argv[1:5]
+    peer = Peer(jid, password)
+    peer.enable_plaintext = True
+    peer.register_plugin("xep_0030")
+    peer.register_plugin("xep_0199")
+    peer.add_event_handler("disconnected", lambda _: peer.loop.stop())
+    peer.connect((host, int(port)), use_ssl=False, force_starttls=False, disable_starttls=True)
+    peer.loop.run_forever()
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,36 @@
+#pragma once
+// Tests of the SDK's XMPP backend: the SDK signs in to a throwaway Prosody
+// (one per test process, started on first use) beside slixmpp peers.
+#include <memory>
+#include <string>
+
+#include "tests/imsdk/sdk_fixture.h"
+#include "tests/xmpp/peer_process.h"
+#include "tests/xmpp/prosody_server.h"
+
+namespace xmpp_test {
+
+// Accounts every server has; each test picks its own so that tests sharing
+// a server never see each other's rosters and archives.
+inline const std::vector<std::string> kAccounts = {"alice", "bob",  "carol", "dave",
+                                                   "erin",  "fred", "gina",  "hank"};
+
+ProsodyServer& Server();
+
+class XmppTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+  // Signs in `user` with its password; returns the result record.
+  imsdk_test::Record SignIn(const std::string& user, const std::string& password = "");
+  std::unique_ptr<PeerProcess> StartPeer(const std::string& user);
+  // Sends a text through the C API and waits for its result.
+  imsdk_test::Record SendText(const std::string& to, const std::string& text);
+  Json::Value History(const std::string& peer, int count, const Json::Value& last = {});
+  std::string config_folder_;
+  imsdk_test::Recorder& rec = imsdk_test::GetRecorder();
+  int calls_ = 0;
+  std::string NextTag(const std::string& what) { return what + "#" + std::to_string(++calls_); }
+};
+
+}  // namespace xmpp_test
