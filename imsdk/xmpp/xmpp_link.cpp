@@ -17,6 +17,7 @@ constexpr auto kFirstBackoff = 500ms;
 constexpr auto kLongestBackoff = 8s;
 constexpr auto kSignOutLimit = 2s;
 constexpr unsigned long kLoopSliceMs = 10;
+constexpr auto kLongestBatch = 100ms;
 
 void InitialiseLibraryOnce() {
   static std::once_flag once;
@@ -102,7 +103,7 @@ void XmppLink::Run() {
       if (stopping_) return;
     }
     DrainTasks();
-    if (conn_ != nullptr) xmpp_run_once(ctx_, kLoopSliceMs);
+    if (conn_ != nullptr) ReadAvailable();
     // A connection is never released inside its own handler.
     if (release_conn_) ReleaseConnection(state_ == State::kReconnecting);
     Tick();
@@ -111,6 +112,18 @@ void XmppLink::Run() {
     } catch (const std::exception& e) {
       platform::Trace("xmpp: flushing failed: %s", e.what());
     }
+  }
+}
+
+void XmppLink::ReadAvailable() {
+  uint64_t before = stanzas_seen_;
+  xmpp_run_once(ctx_, kLoopSliceMs);
+  // While stanzas keep coming, read on before the listener flushes: a burst
+  // becomes a few large batches instead of many small ones.
+  const auto until = Clock::now() + kLongestBatch;
+  while (conn_ != nullptr && stanzas_seen_ != before && Clock::now() < until) {
+    before = stanzas_seen_;
+    xmpp_run_once(ctx_, 1);
   }
 }
 
@@ -359,6 +372,7 @@ void XmppLink::ReleaseLoginGate() {
 void XmppLink::HandleStanza(xmpp_stanza_t* stanza) {
   const std::string name = NameOf(stanza);
   if (name != "message" && name != "presence" && name != "iq") return;  // SM nonzas
+  ++stanzas_seen_;
   if (name == "iq") {
     const std::string type = AttrOf(stanza, "type");
     if (type == "result" || type == "error") {

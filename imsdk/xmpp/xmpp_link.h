@@ -82,6 +82,7 @@ class XmppLink {
 
   void Run();
   void DrainTasks();
+  void ReadAvailable();
   void Connect();
   void ReleaseConnection(bool keep_sm_state);
   void ReleaseLoginGate();
@@ -116,6 +117,7 @@ class XmppLink {
   std::chrono::milliseconds backoff_{0};
   std::map<std::string, PendingIq> iqs_;
   uint64_t next_id_ = 0;
+  uint64_t stanzas_seen_ = 0;
   std::string id_prefix_;
 
   std::mutex mutex_;
