@@ -13,6 +13,7 @@ CREATE TABLE IF NOT EXISTS messages(
   archive_id TEXT NOT NULL DEFAULT '', server_time INTEGER NOT NULL,
   from_self INTEGER NOT NULL, seq INTEGER NOT NULL, json TEXT NOT NULL);
 CREATE INDEX IF NOT EXISTS messages_by_conv ON messages(conv_type, conv_id, seq);
+CREATE INDEX IF NOT EXISTS messages_by_seq ON messages(seq);
 CREATE TABLE IF NOT EXISTS conversations(
   conv_type INTEGER NOT NULL, conv_id TEXT NOT NULL, unread INTEGER NOT NULL DEFAULT 0,
   active_time INTEGER NOT NULL DEFAULT 0, last_seq INTEGER NOT NULL DEFAULT 0,

@@ -111,7 +111,7 @@ int XmppBackend::Login(const std::string& user, const std::string& sig, ResultFn
   return TIM_SUCC;
 }
 
-void XmppBackend::OnStreamReady(bool resumed) {
+void XmppBackend::OnStreamReady(bool) {
   if (phase_.load() == kSigningIn) {
     // The roster first: contacts with a mutual subscription are the friends,
     // and only a resource that fetched it gets its changes pushed.
@@ -127,14 +127,18 @@ void XmppBackend::OnStreamReady(bool resumed) {
       }
       phase_ = kSignedIn;
       done(TIM_SUCC, "", "");
+      CatchUp();
       // Offline messages and pending requests follow the initial presence,
       // so they reach the callbacks after the sign-in's result.
       SendInitialPresence();
     });
     return;
   }
-  Emit(Event{EventKind::kNetworkStatus, "", kTIMConnected, 0, 0, resumed ? "resumed" : ""});
-  FetchRoster([this](bool) { SendInitialPresence(); });
+  Emit(Event{EventKind::kNetworkStatus, "", kTIMConnected, 0, 0, ""});
+  FetchRoster([this](bool) {
+    SendInitialPresence();
+    CatchUp();
+  });
 }
 
 void XmppBackend::SendInitialPresence() {
@@ -196,6 +200,7 @@ void XmppBackend::EndSession() {
   if (batch_open_) store_.Commit();
   batch_open_ = false;
   incoming_ = Json::Value(Json::arrayValue);
+  last_archive_id_.clear();
   bounced_.clear();
   roster_.clear();
   history_.clear();

@@ -67,7 +67,7 @@ class XmppBackend final : public Backend, public LinkListener {
   enum Phase { kSignedOut, kSigningIn, kSignedIn };
 
   // LinkListener (worker thread).
-  void OnStreamReady(bool resumed) override;
+  void OnStreamReady(bool again) override;
   void OnSignInFailed(LoginFailure why, const std::string& detail) override;
   void OnConnectionLost(const std::string& detail) override;
   void OnSessionEnded(bool kicked, const std::string& detail) override;
@@ -106,6 +106,10 @@ class XmppBackend final : public Backend, public LinkListener {
   // History (xmpp_history.cpp).
   struct HistoryQuery;
   void QueryArchivePage(std::shared_ptr<HistoryQuery> query);
+  // Fetches from the archive what came after the last message seen (a
+  // return without resumption may have lost what was in flight).
+  void CatchUp();
+  static constexpr const char* kLastArchiveIdKey = "last_archive_id";
   // True when `stanza` is an archive result (used or dropped).
   bool OnArchiveResult(xmpp_stanza_t* stanza);
 
@@ -137,6 +141,7 @@ class XmppBackend final : public Backend, public LinkListener {
   std::map<std::string, RosterItem> roster_;  // by user id
   Json::Value incoming_{Json::arrayValue};    // received, not yet reported
   bool batch_open_ = false;                   // a store transaction holds them
+  std::string last_archive_id_;               // newest archive id received
   std::map<std::string, int> bounced_;        // send ids the server refused: code
   std::map<std::string, std::shared_ptr<HistoryQuery>> history_;  // by query id
   std::map<std::string, Json::Value> profiles_;                   // profiles read, by user id

@@ -1,5 +1,6 @@
 // History pages from the server's archive (MAM with result set paging).
 #include <algorithm>
+#include <limits>
 
 #include "imsdk/im_sdk.h"
 #include "imsdk/json_util.h"
@@ -29,7 +30,24 @@ struct XmppBackend::HistoryQuery {
   std::vector<Json::Value> page;  // this page's messages, in archive order
   Json::Value collected{Json::arrayValue};
   ResultFn done;
+  // Catching up after a return: every conversation, from the last archive
+  // id seen, each message handed to the new-message callback.
+  bool catch_up = false;
 };
+
+void XmppBackend::CatchUp() {
+  const std::string last = store_.Setting(kLastArchiveIdKey);
+  if (last.empty()) return;  // a first sign-in has no past to catch up on
+  auto query = std::make_shared<HistoryQuery>();
+  query->catch_up = true;
+  query->forward = true;
+  query->cursor = last;
+  query->count = std::numeric_limits<int>::max();
+  query->done = [this](int code, const std::string& desc, const std::string&) {
+    if (code != TIM_SUCC) Trace("catching up failed: %s", desc.c_str());
+  };
+  QueryArchivePage(query);
+}
 
 int XmppBackend::GetMessages(const std::string& id, int type, const Json::Value& param,
                              ResultFn done) {
@@ -70,9 +88,12 @@ void XmppBackend::QueryArchivePage(std::shared_ptr<HistoryQuery> query) {
   form.Ns(ns::kDataForm).Attr("type", "submit");
   Stanza form_type(ctx, "field");
   form_type.Attr("var", "FORM_TYPE").Attr("type", "hidden").AddText("value", ns::kMam);
-  Stanza with(ctx, "field");
-  with.Attr("var", "with").AddText("value", JidOf(query->peer));
-  form.Add(form_type).Add(with);
+  form.Add(form_type);
+  if (!query->catch_up) {
+    Stanza with(ctx, "field");
+    with.Attr("var", "with").AddText("value", JidOf(query->peer));
+    form.Add(with);
+  }
   Stanza set(ctx, "set");
   set.Ns(ns::kRsm).AddText("max", std::to_string(kPageSize));
   if (query->forward) {
@@ -108,7 +129,7 @@ void XmppBackend::QueryArchivePage(std::shared_ptr<HistoryQuery> query) {
       if (msg["message_unique_id"].asUInt64() == query->anchor) continue;
       query->collected.append(msg);
     }
-    const bool full = static_cast<int>(query->collected.size()) >= query->count;
+    const bool full = !query->catch_up && static_cast<int>(query->collected.size()) >= query->count;
     if (full || complete || ++query->pages >= kMostPages) {
       return query->done(TIM_SUCC, "", WriteJson(query->collected));
     }
@@ -134,6 +155,10 @@ bool XmppBackend::OnArchiveResult(xmpp_stanza_t* stanza) {
   wire->archive_id = AttrOf(result, "id");
   if (wire->server_time == 0) wire->server_time = DelayStamp(forwarded);
   const bool from_self = wire->from_bare == self_jid_;
+  if (it->second->catch_up) {
+    if (!from_self) AcceptIncoming(*wire);
+    return true;
+  }
   const std::string peer = UserOf(from_self ? wire->to_bare : wire->from_bare);
   if (peer != it->second->peer) return true;
   const uint64_t unique_id = MessageIdFor(*wire);

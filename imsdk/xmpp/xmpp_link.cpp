@@ -17,7 +17,9 @@ constexpr auto kFirstBackoff = 500ms;
 constexpr auto kLongestBackoff = 8s;
 constexpr auto kSignOutLimit = 2s;
 constexpr unsigned long kLoopSliceMs = 10;
-constexpr auto kLongestBatch = 100ms;
+constexpr auto kLongestBatch = 200ms;
+// A burst goes on while stanzas come at most this far apart.
+constexpr unsigned long kBurstGapMs = 5;
 
 void InitialiseLibraryOnce() {
   static std::once_flag once;
@@ -123,7 +125,7 @@ void XmppLink::ReadAvailable() {
   const auto until = Clock::now() + kLongestBatch;
   while (conn_ != nullptr && stanzas_seen_ != before && Clock::now() < until) {
     before = stanzas_seen_;
-    xmpp_run_once(ctx_, 1);
+    xmpp_run_once(ctx_, kBurstGapMs);
   }
 }
 

@@ -28,7 +28,8 @@ class LinkListener {
  public:
   virtual ~LinkListener() = default;
   // The stream is authenticated and bound (after sign-in and after each return).
-  virtual void OnStreamReady(bool resumed) = 0;
+  // `again` is false at sign-in and true after each return.
+  virtual void OnStreamReady(bool again) = 0;
   // The sign-in started with SignIn() failed; the link is idle again.
   virtual void OnSignInFailed(LoginFailure why, const std::string& detail) = 0;
   // An established stream broke; the link is trying to come back.

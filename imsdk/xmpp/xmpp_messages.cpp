@@ -139,6 +139,7 @@ void XmppBackend::AcceptIncoming(const WireMessage& wire) {
     store_.Begin();
     batch_open_ = true;
   }
+  if (!wire.archive_id.empty()) last_archive_id_ = wire.archive_id;
   if (!store_.AddMessage(kTIMConv_C2C, peer, unique_id, wire.archive_id, time, false,
                          WriteJson(value))) {
     return;  // seen before: a resend after reconnecting, or the archive and the live copy
@@ -148,6 +149,7 @@ void XmppBackend::AcceptIncoming(const WireMessage& wire) {
 
 void XmppBackend::FlushIncoming() {
   if (batch_open_) {
+    if (!last_archive_id_.empty()) store_.SetSetting(kLastArchiveIdKey, last_archive_id_);
     store_.Commit();
     batch_open_ = false;
   }
