@@ -1,6 +1,7 @@
 // Friends, friend requests (pendencies) and profiles.
 #include <algorithm>
 
+#include "imsdk/api_objects.h"
 #include "imsdk/engine.h"
 #include "imsdk/friend_results.h"
 #include "imsdk/im_sdk.h"
@@ -220,12 +221,7 @@ int Engine::GetPendencies(const Json::Value& param, ResultFn done) {
     }
     entries.append(PendencyValueLocked(*it));
   }
-  Json::Value page;
-  page["pendency_page_start_time"] = Json::UInt64(start_time);
-  page["pendency_page_unread_num"] = Json::UInt64(unread);
-  page["pendency_page_current_seq"] = Json::UInt64(next_seq);
-  page["pendency_page_pendency_info_array"] = entries;
-  done(TIM_SUCC, "", WriteJson(page));
+  done(TIM_SUCC, "", WriteJson(PendencyPage(start_time, unread, next_seq, entries)));
   return TIM_SUCC;
 }
 

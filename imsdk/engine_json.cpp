@@ -1,9 +1,9 @@
 // The JSON objects the engine hands out: messages, conversations, profiles,
 // friends, pendencies, groups and members (keys documented in im_sdk.h).
+#include "imsdk/api_objects.h"
 #include "imsdk/engine.h"
 #include "imsdk/im_sdk.h"
 #include "imsdk/json_util.h"
-#include "imsdk/profile_json.h"
 
 namespace imsdk {
 
@@ -35,16 +35,10 @@ Json::Value Engine::MessageValueLocked(const Message& msg, const std::string& vi
 
 std::string Engine::ConversationJsonLocked(const std::string& owner, const ConvKey& key,
                                            const Conversation& conv) const {
-  Json::Value v(Json::objectValue);
-  v["conv_id"] = key.second;
-  v["conv_type"] = key.first;
-  v["conv_owner"] = owner;
-  v["conv_unread_num"] = Json::UInt64(conv.unread);
-  v["conv_active_time"] = Json::UInt64(conv.active_time);
-  v["conv_is_has_lastmsg"] = !conv.messages.empty();
-  if (!conv.messages.empty()) v["conv_last_msg"] = MessageValueLocked(conv.messages.back(), owner);
-  v["conv_is_has_draft"] = false;
-  return WriteJson(v);
+  const Json::Value last =
+      conv.messages.empty() ? Json::Value() : MessageValueLocked(conv.messages.back(), owner);
+  return WriteJson(
+      ConversationObject(owner, key.first, key.second, conv.unread, conv.active_time, last));
 }
 
 Json::Value Engine::ProfileValueLocked(const Account& a) const {

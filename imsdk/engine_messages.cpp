@@ -204,13 +204,7 @@ int Engine::SendMessage(const std::string& id, int type, const Json::Value& msg,
   std::lock_guard lock(mutex_);
   if (int code = CheckSessionLocked()) return code;
   auto failed = [&](int code, const char* desc) {
-    Json::Value echo = msg;
-    echo["message_conv_id"] = id;
-    echo["message_conv_type"] = type;
-    echo["message_sender"] = signed_in_;
-    echo["message_is_from_self"] = true;
-    echo["message_status"] = kTIMMsg_SendFail;
-    done(code, desc, WriteJson(echo));
+    done(code, desc, WriteJson(FailedSendEcho(msg, id, type, signed_in_)));
   };
   if (int code = FailureQueue::Results().Take("TIMMsgSendNewMsg")) {
     failed(code, "queued failure");

@@ -37,4 +37,14 @@ int CheckOutgoingElems(const Json::Value& elems) {
   return TIM_SUCC;
 }
 
+Json::Value FailedSendEcho(Json::Value msg, const std::string& conv_id, int conv_type,
+                           const std::string& sender) {
+  msg["message_conv_id"] = conv_id;
+  msg["message_conv_type"] = conv_type;
+  msg["message_sender"] = sender;
+  msg["message_is_from_self"] = true;
+  msg["message_status"] = kTIMMsg_SendFail;
+  return msg;
+}
+
 }  // namespace imsdk

@@ -6,32 +6,13 @@
 #include <filesystem>
 #include <string>
 
+#include "bench/service/bench_window.h"
 #include "platform/window_messages.h"
 #include "service/chat_tools.h"
 #include "service/posting.h"
 #include "store/chat_db.h"
 
 namespace {
-
-class BenchWindow final : public service::WindowPort {
- public:
-  platform::WindowHandle ChatWindow() const override { return queue.handle(); }
-  void ShowMessageBox(service::BoxOwner, const WString&, const WString&) override {}
-  bool Confirm(const WString&, const WString&) override { return false; }
-  void ResetWindow() override {}
-  bool IsWindowVisible() const override { return false; }
-  void HideWindow() override {}
-  void FlashHostWindowIfMinimised() override {}
-  // Frees what the service posted, as the window would.
-  void Drain() {
-    for (const platform::WindowMessage& m : queue.TakeAll()) {
-      if (m.msg == platform::msg::kConversationLogoChanged && m.wParam != 0) {
-        service::AdoptPayload<WString>(m.wParam);
-      }
-    }
-  }
-  platform::QueuedWindow queue;
-};
 
 std::string MessageArray(int count, uint64_t firstId) {
   Json::Value array(Json::arrayValue);

@@ -12,6 +12,7 @@
 #include <string>
 #include <thread>
 
+#include "bench/service/bench_window.h"
 #include "bench/xmpp/bare_client.h"
 #include "imsdk/im_sdk.h"
 #include "platform/window_messages.h"
@@ -68,18 +69,6 @@ void BM_ServerTransportBaseline(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * count);
 }
-
-class BenchWindow final : public service::WindowPort {
- public:
-  platform::WindowHandle ChatWindow() const override { return queue.handle(); }
-  void ShowMessageBox(service::BoxOwner, const WString&, const WString&) override {}
-  bool Confirm(const WString&, const WString&) override { return false; }
-  void ResetWindow() override {}
-  bool IsWindowVisible() const override { return false; }
-  void HideWindow() override {}
-  void FlashHostWindowIfMinimised() override {}
-  platform::QueuedWindow queue;
-};
 
 // What the module's window thread does with a new-message callback, done
 // here on the callback thread itself.
@@ -148,7 +137,7 @@ void BM_ServerReceiveAndStore(benchmark::State& state) {
         state.SkipWithError("messages missing from the store's cache");
       }
       (void)tools.TakeNewMessages(u"sender", tools.NewMessageCount(u"sender"));
-      (void)window.queue.TakeAll();
+      window.Drain();
       state.ResumeTiming();
     }
   }
@@ -157,7 +146,7 @@ void BM_ServerReceiveAndStore(benchmark::State& state) {
                                                  benchmark::Counter::kAvgIterations);
   TIMRemoveRecvNewMsgCallback(&OnNewMessages);
   TIMUninit();
-  (void)window.queue.TakeAll();
+  window.Drain();
   state.SetItemsProcessed(state.iterations() * count);
   db.Close();
   std::filesystem::remove_all(folder);

@@ -6,10 +6,10 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "imsdk/api_objects.h"
 #include "imsdk/friend_results.h"
 #include "imsdk/im_sdk.h"
 #include "imsdk/json_util.h"
-#include "imsdk/profile_json.h"
 #include "imsdk/xmpp/xmpp_backend.h"
 
 namespace imsdk::xmpp {
@@ -366,12 +366,7 @@ int XmppBackend::GetPendencies(const Json::Value& param, ResultFn done) {
         entries.append(v);
       }
     }
-    Json::Value page;
-    page["pendency_page_start_time"] = Json::UInt64(start_time);
-    page["pendency_page_unread_num"] = Json::UInt64(unread);
-    page["pendency_page_current_seq"] = Json::UInt64(next_seq);
-    page["pendency_page_pendency_info_array"] = entries;
-    done(TIM_SUCC, "", WriteJson(page));
+    done(TIM_SUCC, "", WriteJson(PendencyPage(start_time, unread, next_seq, entries)));
   });
 }
 

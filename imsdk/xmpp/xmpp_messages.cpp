@@ -1,6 +1,7 @@
 // One-to-one messages: sending with the server's confirmation, receiving
 // with duplicates dropped, the conversation list and read reports kept in
 // the local store.
+#include "imsdk/api_objects.h"
 #include "imsdk/im_sdk.h"
 #include "imsdk/json_util.h"
 #include "imsdk/outgoing_elems.h"
@@ -55,14 +56,8 @@ int XmppBackend::SendMessage(const std::string& id, int type, const Json::Value&
   if (WriteJson(elems).size() * 2 > kLargestStanza) return TIM_ERR_INVALID_PARAM;
   return WhenSignedIn([this, id, type, msg, done] {
     auto failed = [&](int code, const std::string& desc) {
-      Json::Value echo = msg;
-      echo["message_conv_id"] = id;
-      echo["message_conv_type"] = type;
-      echo["message_sender"] = user_;
-      echo["message_is_from_self"] = true;
-      echo["message_status"] = kTIMMsg_SendFail;
       Trace("send to %s failed: %s", id.c_str(), desc.c_str());
-      done(code, desc, WriteJson(echo));
+      done(code, desc, WriteJson(FailedSendEcho(msg, id, type, user_)));
     };
     const Json::Value& elems = msg["message_elem_array"];
     if (type != kTIMConv_C2C)
@@ -159,18 +154,9 @@ void XmppBackend::FlushIncoming() {
 }
 
 Json::Value XmppBackend::ConversationValue(const StoredConversation& conv) const {
-  Json::Value v(Json::objectValue);
-  v["conv_id"] = conv.id;
-  v["conv_type"] = conv.type;
-  v["conv_owner"] = user_;
-  v["conv_unread_num"] = Json::UInt64(conv.unread);
-  v["conv_active_time"] = Json::UInt64(conv.active_time);
   Json::Value last;
-  const bool has_last = !conv.last_message.empty() && ParseJson(conv.last_message, &last);
-  v["conv_is_has_lastmsg"] = has_last;
-  if (has_last) v["conv_last_msg"] = last;
-  v["conv_is_has_draft"] = false;
-  return v;
+  if (!conv.last_message.empty() && !ParseJson(conv.last_message, &last)) last = Json::Value();
+  return ConversationObject(user_, conv.type, conv.id, conv.unread, conv.active_time, last);
 }
 
 int XmppBackend::GetConvList(ResultFn done) {
