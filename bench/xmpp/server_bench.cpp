@@ -27,7 +27,7 @@ using xmpp_test::ProsodyServer;
 ProsodyServer& Server() {
   static ProsodyServer server;
   if (!server.running() && server.folder().empty()) {
-    server.Start({"sender", "counter", "receiver"});
+    server.Start({"sender", "counter", "receiver"}, /*archive_in_memory=*/true);
   }
   return server;
 }

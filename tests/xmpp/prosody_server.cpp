@@ -79,7 +79,7 @@ ProsodyServer::~ProsodyServer() {
   if (!folder_.empty()) std::filesystem::remove_all(folder_, ec);
 }
 
-bool ProsodyServer::Start(const std::vector<std::string>& accounts) {
+bool ProsodyServer::Start(const std::vector<std::string>& accounts, bool archive_in_memory) {
   char pattern[] = "/tmp/imsdk-prosody-XXXXXX";
   if (mkdtemp(pattern) == nullptr) return false;
   folder_ = pattern;
@@ -103,7 +103,8 @@ bool ProsodyServer::Start(const std::vector<std::string>& accounts) {
       << "  \"smacks\"; \"offline\"; \"time\"; \"version\"; \"posix\" }\n"
       << "modules_disabled = { \"s2s\"; \"tls\" }\n"
       << "c2s_require_encryption = false; allow_unencrypted_plain_auth = true\n"
-      << "authentication = \"internal_hashed\"; storage = \"internal\"\n"
+      << "authentication = \"internal_hashed\"\n"
+      << (archive_in_memory ? "storage = { archive = \"memory\" }\n" : "storage = \"internal\"\n")
       << "archive_expires_after = \"never\"; default_archive_policy = true\n"
       << "max_archive_query_results = 50\n"
       << "limits = { }\n"

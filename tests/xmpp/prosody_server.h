@@ -17,7 +17,9 @@ class ProsodyServer {
 
   // Writes the configuration, registers `accounts` (password "pw-<id>")
   // and starts the server; false (with the reason on stderr) on failure.
-  bool Start(const std::vector<std::string>& accounts);
+  // `archive_in_memory`: the message archive lives in memory (Prosody's file
+  // archive slows down as it grows, which would skew measurements).
+  bool Start(const std::vector<std::string>& accounts, bool archive_in_memory = false);
   // Stops the process (clients see the connection reset).
   void Stop();
   // Starts it again on the same ports with the same data.
