@@ -129,6 +129,10 @@ void WindowImplBase::ResizeClient(int width, int height) {
   if (host_) host_->resize(width, height);
 }
 
+void WindowImplBase::DragAcceptFiles(bool accept) {
+  if (host_) host_->SetAcceptFiles(accept);
+}
+
 platform::WindowHandle WindowImplBase::GetHWND() const {
   return host_ ? host_->handle() : platform::WindowHandle::kNone;
 }

@@ -32,6 +32,10 @@ inline constexpr unsigned kWmCommand = 273;        // wParam: command id
 inline constexpr unsigned kWmTimer = 275;          // wParam: timer id
 inline constexpr unsigned kWmLButtonDblClk = 515;  // lParam: x | y << 16 (window coordinates)
 inline constexpr unsigned kWmMouseWheel = 522;  // wParam: delta << 16, lParam: x | y << 16 (window)
+// Files dropped on a window that accepts them (DragAcceptFiles). wParam: a
+// const std::vector<WString>* of local paths, valid during the call only;
+// lParam: x | y << 16 (window coordinates).
+inline constexpr unsigned kWmDropFiles = 563;
 
 inline constexpr platform::LPARAM kKeyCtrl = 1;
 inline constexpr platform::LPARAM kKeyShift = 2;
@@ -83,6 +87,9 @@ class WindowImplBase {
   Rect GetWindowRect() const;  // screen coordinates
   void MoveWindow(const Rect& screenRect);
   void ResizeClient(int width, int height);
+  // Files dragged from outside onto any part of the window are taken and
+  // reported as kWmDropFiles instead of reaching the control under the mouse.
+  void DragAcceptFiles(bool accept);
 
   platform::WindowHandle GetHWND() const;
   WindowImplBase* GetOwner() const { return owner_; }

@@ -10,6 +10,7 @@
 #include "ui/kit/qt/im_animation.h"
 #include "ui/kit/qt/im_list.h"
 #include "ui/kit/qt/im_menu_element.h"
+#include "ui/kit/qt/im_rich_edit.h"
 #include "ui/kit/qt/row_list_view.h"
 
 namespace ui::qt {
@@ -29,6 +30,7 @@ class SkinUiLoader : public QUiLoader {
       return Named(new ImAnimation(workingDirectory(), parent), name);
     }
     if (className == QLatin1String("ImMenuElement")) return Named(new ImMenuElement(parent), name);
+    if (className == QLatin1String("QTextEdit")) return Named(new ImRichEdit(parent), name);
     return QUiLoader::createWidget(className, parent, name);
   }
 };

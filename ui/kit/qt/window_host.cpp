@@ -4,11 +4,14 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <vector>
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPushButton>
 #include <QSocketNotifier>
 #include <QTextEdit>
@@ -180,6 +183,41 @@ LRESULT WindowHost::Deliver(unsigned msg, platform::WPARAM wParam, platform::LPA
   return window_->HandleMessage(msg, wParam, lParam);
 }
 
+void WindowHost::SetAcceptFiles(bool accept) {
+  acceptFiles_ = accept;
+  setAcceptDrops(accept);
+}
+
+bool WindowHost::TakeFileDrag(QWidget* target, QDropEvent* event) {
+  if (!acceptFiles_ || !window_ || shuttingDown_) return false;
+  std::vector<WString> paths;
+  for (const QUrl& url : event->mimeData()->urls()) {
+    if (!url.isLocalFile()) continue;
+    QString path = url.toLocalFile();
+    paths.emplace_back(reinterpret_cast<const char16_t*>(path.utf16()),
+                       static_cast<size_t>(path.size()));
+  }
+  if (paths.empty()) return false;
+  event->acceptProposedAction();
+  if (event->type() == QEvent::Drop) {
+    QPoint p = target->mapTo(this, event->position().toPoint());
+    Deliver(kWmDropFiles, reinterpret_cast<platform::WPARAM>(&paths), MakeLParam(p.x(), p.y()));
+  }
+  return true;
+}
+
+void WindowHost::dragEnterEvent(QDragEnterEvent* event) {
+  if (!TakeFileDrag(this, event)) QDialog::dragEnterEvent(event);
+}
+
+void WindowHost::dragMoveEvent(QDragMoveEvent* event) {
+  if (!TakeFileDrag(this, event)) QDialog::dragMoveEvent(event);
+}
+
+void WindowHost::dropEvent(QDropEvent* event) {
+  if (!TakeFileDrag(this, event)) QDialog::dropEvent(event);
+}
+
 void WindowHost::SetTimer(unsigned id, unsigned milliseconds) {
   if (shuttingDown_) return;
   QTimer*& timer = timers_[id];
@@ -300,6 +338,10 @@ bool WindowHost::FilterInput(QWidget* widget, QEvent* event) {
       return Deliver(kWmMouseWheel, static_cast<platform::WPARAM>(delta) << 16,
                      MakeLParam(p.x(), p.y())) != 0;
     }
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+      return TakeFileDrag(widget, static_cast<QDropEvent*>(event));
     case QEvent::KeyPress: {
       // Seen once, at the window's focus widget (the parents get it again when
       // the widget ignores it).

@@ -14,6 +14,7 @@
 #include "platform/window_messages.h"
 #include "ui/kit/window_impl_base.h"
 
+class QDropEvent;
 class QSocketNotifier;
 class QTimer;
 
@@ -31,6 +32,8 @@ class WindowHost : public QDialog {
   platform::WindowHandle handle() const { return handle_; }
   // Connects every widget under `root` to the window's Notify.
   void Wire(QWidget* root);
+
+  void SetAcceptFiles(bool accept);
 
   void SetTimer(unsigned id, unsigned milliseconds);
   void KillTimer(unsigned id);
@@ -56,6 +59,9 @@ class WindowHost : public QDialog {
   bool eventFilter(QObject* watched, QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   // Filled by any thread. A poster never calls the toolkit: it rings an
@@ -77,6 +83,9 @@ class WindowHost : public QDialog {
   void Drain(bool everything = false);
   LRESULT Deliver(unsigned msg, platform::WPARAM wParam, platform::LPARAM lParam);
   bool FilterInput(QWidget* widget, QEvent* event);
+  // A drag carrying local files: taken (and, when dropped, delivered as
+  // kWmDropFiles) while the window accepts files. False for other drags.
+  bool TakeFileDrag(QWidget* target, QDropEvent* event);
 
   WindowImplBase* window_;
   QWidget* root_ = nullptr;
@@ -87,6 +96,7 @@ class WindowHost : public QDialog {
   std::map<unsigned, QTimer*> timers_;
   int busy_ = 0;
   bool shuttingDown_ = false;
+  bool acceptFiles_ = false;
 };
 
 }  // namespace ui
