@@ -1,0 +1,149 @@
+#include "ui/main/composer.h"
+
+#include "platform/trace.h"
+#include "service/panes/composer_sink.h"
+#include "ui/dialogs/chat_message_box.h"
+#include "ui/dialogs/face_select_dialog.h"
+#include "ui/kit/file_dialog.h"
+#include "ui/kit/window_impl_base.h"
+#include "ui/rules/emoticon_table.h"
+#include "ui/rules/outgoing.h"
+
+namespace rules = ui::rules;
+
+namespace {
+
+Composer::Prompts DefaultPrompts(ui::WindowImplBase& window) {
+  return {
+      [&window](const rules::FileFilter& filter) {
+        return ui::ChooseOpenFile(&window, filter.text, filter.patterns);
+      },
+      [&window](const rules::Refusal& refusal) {
+        CChatMessageBox(refusal.title, refusal.text, &window, CChatMessageBox::kNotice);
+      },
+  };
+}
+
+std::vector<rules::Outgoing> AsOutgoing(const std::vector<ui::RichPiece>& pieces) {
+  std::vector<rules::Outgoing> out;
+  out.reserve(pieces.size());
+  for (const ui::RichPiece& piece : pieces) {
+    out.push_back(
+        {piece.kind == ui::RichPiece::kPicture ? rules::Outgoing::kPicture : rules::Outgoing::kText,
+         piece.value});
+  }
+  return out;
+}
+
+}  // namespace
+
+Composer::Composer(ui::WindowImplBase& window, service::ComposerSink& sink)
+    : Composer(window, sink, DefaultPrompts(window)) {}
+
+Composer::Composer(ui::WindowImplBase& window, service::ComposerSink& sink, Prompts prompts)
+    : window_(window), sink_(sink), prompts_(std::move(prompts)) {}
+
+Composer::~Composer() = default;
+
+void Composer::Attach() {
+  edit_ = ui::RichEdit(window_.FindControl("ChatWindow_SendrichEdit"));
+  edit_.SetPasteFolder(sink_.PastedPictureFolder());
+}
+
+void Composer::SendComposed() {
+  if (!edit_) return;
+  std::vector<rules::Outgoing> items = rules::PrepareOutgoing(AsOutgoing(edit_.GetContent()));
+  if (items.empty()) return;  // spaces only: the composer keeps them
+  if (auto refusal = rules::CheckOutgoing(items)) {
+    prompts_.notice(*refusal);  // nothing sent, the composer keeps its content
+    return;
+  }
+  bool sentAny = false;
+  for (const rules::Outgoing& item : items) {
+    bool sent = item.kind == rules::Outgoing::kText ? sink_.SendText(item.value)
+                                                    : sink_.SendImage(item.value);
+    sentAny = sentAny || sent;
+  }
+  if (sentAny) edit_.EmptyEdit();
+  Focus();
+}
+
+void Composer::OpenFacePicker(const ui::Control& button) {
+  if (picker_ && picker_->IsCreated()) picker_->Close(1);
+  picker_ = std::make_unique<CFaceSelectDialog>();
+  ui::Rect window = window_.GetWindowRect();
+  ui::Rect at = button.GetPos();
+  picker_->Open(window_, ui::Point{window.left + at.left, window.top + at.top});
+}
+
+void Composer::InsertChosenFace() {
+  if (!picker_ || !picker_->HasChoice()) return;
+  const rules::Emoticon* emoticon = rules::FindByCode(picker_->ChosenCode());
+  // No composer: the choice is dropped without a word.
+  if (edit_ && emoticon != nullptr) edit_.InsertImage(picker_->ChosenPath(), emoticon->pickerCode);
+  picker_->ClearChoice();
+  Focus();
+}
+
+void Composer::UploadImage() {
+  Upload(rules::AttachmentKind::kPicture);
+}
+
+void Composer::UploadFiles() {
+  Upload(rules::AttachmentKind::kFile);
+}
+
+void Composer::Upload(rules::AttachmentKind kind) {
+  WString path = prompts_.chooseFile(rules::FilterFor(kind));
+  if (!path.empty()) SendAttachment(kind, path);
+  Focus();
+}
+
+void Composer::SendDroppedFiles(const std::vector<WString>& paths) {
+  for (const WString& path : paths) {
+    SendAttachment(
+        rules::IsPictureFile(path) ? rules::AttachmentKind::kPicture : rules::AttachmentKind::kFile,
+        path);
+  }
+  Focus();
+}
+
+void Composer::SendAttachment(rules::AttachmentKind kind, const WString& path) {
+  rules::Verdict verdict = rules::CheckAttachment(kind, path);
+  if (auto refusal = rules::RefusalFor(kind, verdict)) {
+    prompts_.notice(*refusal);
+    return;
+  }
+  if (kind == rules::AttachmentKind::kPicture) {
+    sink_.SendImage(path);
+  } else {
+    sink_.SendFile(path);
+  }
+}
+
+bool Composer::PasteKey() {
+  if (!edit_ || !edit_.control().IsFocused()) return false;
+  edit_.PasteSpecial();
+  return true;
+}
+
+void Composer::Cut() {
+  edit_.Cut();
+}
+
+void Composer::NoteRightClick(ui::Point windowPoint) {
+  rightClick_ = windowPoint;
+}
+
+void Composer::PasteAtRightClick() {
+  if (edit_ && window_.FindControlAt(rightClick_) == edit_.control()) edit_.PasteSpecial();
+}
+
+void Composer::Clear() {
+  edit_.EmptyEdit();
+}
+
+void Composer::Focus() {
+  ui::Control edit = edit_.control();
+  edit.SetFocus();
+}
