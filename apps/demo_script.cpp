@@ -3,6 +3,9 @@
 #include <sqlite3.h>
 
 #include <QAbstractButton>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMouseEvent>
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QTextEdit>
@@ -42,19 +45,98 @@ std::string DbPath(const std::string& dataRoot) {
   return dataRoot + "/" + kUser + "/db/Chat.db";
 }
 
-// Types into the composer and presses the send button, as the user would.
-// True when the message reached the engine.
+void Click(QWidget* widget) {
+  QPointF centre = QRectF(widget->rect()).center();
+  QPointF global = widget->mapToGlobal(centre);
+  QMouseEvent press(QEvent::MouseButtonPress, centre, global, Qt::LeftButton, Qt::LeftButton,
+                    Qt::NoModifier);
+  QMouseEvent release(QEvent::MouseButtonRelease, centre, global, Qt::LeftButton, Qt::NoButton,
+                      Qt::NoModifier);
+  QApplication::sendEvent(widget, &press);
+  QApplication::sendEvent(widget, &release);
+}
+
+void Type(QWidget* widget, const QString& text) {
+  for (QChar c : text) {
+    QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
+    QApplication::sendEvent(widget, &press);
+  }
+}
+
+void PressKey(QWidget* widget, int key) {
+  QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+  QApplication::sendEvent(widget, &press);
+}
+
+// Opens the conversation with `name` from the conversation list, as the user
+// would. False when the list shows no such conversation.
+bool OpenConversation(QWidget* window, const QString& name) {
+  auto* list = window->findChild<QWidget*>(QStringLiteral("ConversationList"));
+  if (list == nullptr) return false;
+  for (QLabel* label : list->findChildren<QLabel*>()) {
+    if (label->text() == name) {
+      Click(label);
+      return true;
+    }
+  }
+  return false;
+}
+
+// The user opens the chat with 王工, types a text, picks "微笑" in the
+// emoticon picker and sends with Enter. True when the message reached the
+// engine with the emoticon as its code.
 bool SendThroughWindow(const std::string& text) {
   QWidget* window = FindChatWindow();
-  auto* composer = window ? window->findChild<QTextEdit*>("ChatWindow_SendrichEdit") : nullptr;
-  auto* send = window ? window->findChild<QAbstractButton*>("SendMsgBtn") : nullptr;
-  if (composer == nullptr || send == nullptr) return false;
+  if (window == nullptr || !PumpUntil([&] { return OpenConversation(window, "王工"); }, 3000)) {
+    return false;
+  }
+  auto* composer = window->findChild<QTextEdit*>("ChatWindow_SendrichEdit");
+  auto* emoticons = window->findChild<QAbstractButton*>("IMWnd_EmoticonsBtn");
+  if (composer == nullptr || emoticons == nullptr) return false;
+  composer->setFocus();
+  Type(composer, QString::fromStdString(text));
+  emoticons->click();
+  QWidget* picker = nullptr;
+  PumpUntil(
+      [&] {
+        for (QWidget* w : QApplication::topLevelWidgets()) {
+          if (w->objectName() == QStringLiteral("CFaceSelectDialog") && w->isVisible()) picker = w;
+        }
+        return picker != nullptr;
+      },
+      2000);
+  auto* smile = picker ? picker->findChild<QAbstractButton*>(QStringLiteral("Smile")) : nullptr;
+  if (smile == nullptr) return false;
+  smile->click();
+  if (!PumpUntil([&] { return composer->toPlainText().contains(QChar::ObjectReplacementCharacter); },
+                 2000)) {
+    return false;
+  }
   imsdk::EngineControl& engine = imsdk::EngineControl::Instance();
   size_t before = engine.MessageCount(kAnswering, kTIMConv_C2C, kUser);
-  composer->setPlainText(QString::fromStdString(text));
-  send->click();
-  return PumpUntil([&] { return engine.MessageCount(kAnswering, kTIMConv_C2C, kUser) > before; },
-                   2000);
+  PressKey(composer, Qt::Key_Return);
+  return PumpUntil(
+      [&] {
+        return engine.MessageCount(kAnswering, kTIMConv_C2C, kUser) > before &&
+               engine.LastMessageJson(kAnswering, kTIMConv_C2C, kUser).find("[微笑]") !=
+                   std::string::npos;
+      },
+      3000);
+}
+
+// True when some text in the message view contains `text`.
+bool ViewShows(const std::string& text) {
+  QWidget* window = FindChatWindow();
+  auto* view = window ? window->findChild<QWidget*>(QStringLiteral("HisRecordList")) : nullptr;
+  if (view == nullptr) return false;
+  const QString wanted = QString::fromStdString(text);
+  for (QLabel* label : view->findChildren<QLabel*>()) {
+    if (label->text().contains(wanted)) return true;
+  }
+  for (QTextEdit* edit : view->findChildren<QTextEdit*>()) {
+    if (edit->toPlainText().contains(wanted)) return true;
+  }
+  return false;
 }
 
 // The user writes in the shared chat on a drawing with 王工: the host hands
@@ -137,7 +219,8 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
   // The user answers 王工, who replies at once.
   const std::string answer = "好的，我下午看一下。";
   if (SendThroughWindow(answer)) {
-    Say("张明 -> 王工 (typed in the composer and sent by the module): %s", answer);
+    Say("张明 -> 王工 (typed in the composer with an emoticon, sent with Enter): %s%s", answer,
+        "[微笑]");
   } else if (SendInSharedChat(host, answer)) {
     // The composer sends with later window work; the shared chat on a
     // drawing already goes through the module's service.
@@ -157,6 +240,11 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
     return result;
   }
   Say("王工 -> 张明: %s%s", kReplyPrefix, answer);
+  if (PumpUntil([&] { return ViewShows(kReplyPrefix); }, 3000)) {
+    Say("The reply shows in the message view.");
+  } else {
+    Say("The message view does not show the reply.");
+  }
   Say("Pending friend request from 赵工 (10004) waits for the user.");
 
   QWidget* window = FindChatWindow();
