@@ -66,7 +66,10 @@ bool ImRichEdit::insertImageFile(const QString& path, const QString& objectText)
   format.setWidth(size.width());
   format.setHeight(size.height());
   format.setProperty(kPathProperty, path);
-  if (!objectText.isEmpty()) format.setProperty(kObjectTextProperty, objectText);
+  if (!objectText.isEmpty()) {
+    format.setProperty(kObjectTextProperty, objectText);
+    format.setVerticalAlignment(QTextCharFormat::AlignMiddle);  // sits in the line like a glyph
+  }
   QTextCursor cursor = textCursor();
   cursor.insertImage(format);
   setTextCursor(cursor);
