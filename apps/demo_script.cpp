@@ -3,11 +3,12 @@
 #include <sqlite3.h>
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QDeadlineTimer>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
-#include <QApplication>
-#include <QDeadlineTimer>
 #include <QTextEdit>
 #include <QWidget>
 
@@ -45,12 +46,11 @@ std::string DbPath(const std::string& dataRoot) {
   return dataRoot + "/" + kUser + "/db/Chat.db";
 }
 
-void Click(QWidget* widget) {
-  QPointF centre = QRectF(widget->rect()).center();
-  QPointF global = widget->mapToGlobal(centre);
-  QMouseEvent press(QEvent::MouseButtonPress, centre, global, Qt::LeftButton, Qt::LeftButton,
+void Click(QWidget* widget, QPointF at) {
+  QPointF global = widget->mapToGlobal(at);
+  QMouseEvent press(QEvent::MouseButtonPress, at, global, Qt::LeftButton, Qt::LeftButton,
                     Qt::NoModifier);
-  QMouseEvent release(QEvent::MouseButtonRelease, centre, global, Qt::LeftButton, Qt::NoButton,
+  QMouseEvent release(QEvent::MouseButtonRelease, at, global, Qt::LeftButton, Qt::NoButton,
                       Qt::NoModifier);
   QApplication::sendEvent(widget, &press);
   QApplication::sendEvent(widget, &release);
@@ -69,15 +69,15 @@ void PressKey(QWidget* widget, int key) {
 }
 
 // Opens the conversation with `name` from the conversation list, as the user
-// would. False when the list shows no such conversation.
+// would: row by row until the chat page is titled with the name.
 bool OpenConversation(QWidget* window, const QString& name) {
-  auto* list = window->findChild<QWidget*>(QStringLiteral("ConversationList"));
-  if (list == nullptr) return false;
-  for (QLabel* label : list->findChildren<QLabel*>()) {
-    if (label->text() == name) {
-      Click(label);
-      return true;
-    }
+  auto* list = window->findChild<QAbstractItemView*>(QStringLiteral("ConversationList"));
+  auto* title = window->findChild<QLabel*>(QStringLiteral("IMWnd_SessionName"));
+  if (list == nullptr || list->model() == nullptr || title == nullptr) return false;
+  for (int row = 0; row < list->model()->rowCount(); ++row) {
+    QRect rect = list->visualRect(list->model()->index(row, 0));
+    Click(list->viewport(), QRectF(rect).center());
+    if (title->text() == name) return true;
   }
   return false;
 }
@@ -108,8 +108,9 @@ bool SendThroughWindow(const std::string& text) {
   auto* smile = picker ? picker->findChild<QAbstractButton*>(QStringLiteral("Smile")) : nullptr;
   if (smile == nullptr) return false;
   smile->click();
-  if (!PumpUntil([&] { return composer->toPlainText().contains(QChar::ObjectReplacementCharacter); },
-                 2000)) {
+  if (!PumpUntil(
+          [&] { return composer->toPlainText().contains(QChar::ObjectReplacementCharacter); },
+          2000)) {
     return false;
   }
   imsdk::EngineControl& engine = imsdk::EngineControl::Instance();
@@ -218,12 +219,13 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
 
   // The user answers 王工, who replies at once.
   const std::string answer = "好的，我下午看一下。";
+  std::string sent = answer;
   if (SendThroughWindow(answer)) {
-    Say("张明 -> 王工 (typed in the composer with an emoticon, sent with Enter): %s%s", answer,
-        "[微笑]");
+    sent += "[微笑]";  // the emoticon goes out as its code
+    Say("张明 -> 王工 (typed in the composer with an emoticon, sent with Enter): %s", sent);
   } else if (SendInSharedChat(host, answer)) {
-    // The composer sends with later window work; the shared chat on a
-    // drawing already goes through the module's service.
+    // The conversation could not be opened from the list: the shared chat
+    // on a drawing still goes through the module's service.
     Say("张明 -> 王工 (shared chat on the drawing, sent by the module's service): %s", answer);
   } else {
     Say("The module did not send the user's message.");
@@ -239,7 +241,7 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
     Say("王工's reply did not arrive in time.");
     return result;
   }
-  Say("王工 -> 张明: %s%s", kReplyPrefix, answer);
+  Say("王工 -> 张明: %s%s", kReplyPrefix, sent);
   if (PumpUntil([&] { return ViewShows(kReplyPrefix); }, 3000)) {
     Say("The reply shows in the message view.");
   } else {

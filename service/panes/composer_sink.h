@@ -3,6 +3,8 @@
 // conversation. The composer has checked the limits before; the sink only
 // sends. Window thread.
 
+#include <memory>
+
 #include "platform/strings.h"
 
 class CChatTools;
@@ -23,16 +25,6 @@ class ComposerSink {
 };
 
 // The sink over the module's service object.
-class ChatToolsComposerSink final : public ComposerSink {
- public:
-  explicit ChatToolsComposerSink(CChatTools& tools) : tools_(tools) {}
-  bool SendText(const WString& text) override;
-  bool SendImage(const WString& path) override;
-  bool SendFile(const WString& path) override;
-  WString PastedPictureFolder() const override;
-
- private:
-  CChatTools& tools_;
-};
+std::unique_ptr<ComposerSink> MakeComposerSink(CChatTools& tools);
 
 }  // namespace service

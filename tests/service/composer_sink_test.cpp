@@ -20,7 +20,8 @@ class ComposerSinkTest : public ServiceTest {
 TEST_F(ComposerSinkTest, SendsEachKindIntoTheOpenConversationAndNothingWithoutOne) {
   SdkCallLog log;
   ASSERT_TRUE(SignIn());
-  service::ChatToolsComposerSink sink(*tools);
+  std::unique_ptr<service::ComposerSink> owned = service::MakeComposerSink(*tools);
+  service::ComposerSink& sink = *owned;
   EXPECT_FALSE(sink.SendText(u"nowhere"));  // no conversation open yet
   EXPECT_TRUE(log.CallsOf("TIMMsgSendNewMsg").empty());
 

@@ -57,7 +57,7 @@ TEST_F(ComposerRoutesTest, CtrlVInTheComposerIsSwallowedAfterPastingAndElsewhere
 
 TEST_F(ComposerRoutesTest, TheEmoticonButtonOpensThePickerWhoseChoiceLandsInTheComposer) {
   window_.SendNotify(window_.FindControl("IMWnd_EmoticonsBtn"), ui::kNotifyClick);
-  CFaceSelectDialog* picker = window_.GetComposer().Picker();
+  CFaceSelectDialog* picker = window_.ComposerPane().Picker();
   ASSERT_NE(picker, nullptr);
   ASSERT_TRUE(picker->IsWindowVisible());
   picker->SendNotify(picker->FindControl("Smile"), ui::kNotifyClick);

@@ -15,18 +15,16 @@
 #include <QTextEdit>
 #include <QUrl>
 
-#include <filesystem>
-#include <fstream>
 #include <functional>
 
 #include "service/panes/composer_sink.h"
+#include "tests/ui/rules/scratch_folder.h"
 #include "tests/ui/test_window.h"
 #include "ui/dialogs/face_select_dialog.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/resources.h"
 #include "ui/main/composer.h"
 
-namespace fs = std::filesystem;
 using platform::W;
 
 namespace {
@@ -61,14 +59,11 @@ class RecordingSink : public service::ComposerSink {
 class ComposerTest : public testing::Test {
  protected:
   void SetUp() override {
-    dir_ = fs::temp_directory_path() / ("im-composer-" + std::to_string(::getpid()));
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-    sink_ = std::make_unique<RecordingSink>(W((dir_ / "paste").string()));
+    sink_ = std::make_unique<RecordingSink>(scratch_.Path("paste"));
     window_.onMessage = [this](unsigned msg, ui::WPARAM wParam, ui::LPARAM) -> ui::LRESULT {
-      if (msg == platform::msg::kEmoticonChosen) composer_->InsertChosenFace();
+      if (msg == platform::msg::kEmoticonChosen) composer_->InsertEmoticon(0, 0);
       if (msg == ui::kWmDropFiles) {
-        composer_->SendDroppedFiles(*reinterpret_cast<const std::vector<WString>*>(wParam));
+        composer_->DropFiles(*reinterpret_cast<const std::vector<WString>*>(wParam));
       }
       return 0;
     };
@@ -81,8 +76,8 @@ class ComposerTest : public testing::Test {
           return chosen_;
         },
         [this](const ui::rules::Refusal& refusal) { notices_.push_back(refusal.text); }};
-    composer_ = std::make_unique<Composer>(window_, *sink_, prompts);
-    composer_->Attach();
+    composer_ = std::make_unique<Composer>(window_, window_.FindControl("ChatWindow_SendrichEdit"),
+                                           *sink_, prompts);
     edit_ = qobject_cast<QTextEdit*>(ui::qt::WidgetOf(composer_->Edit()));
     ASSERT_NE(edit_, nullptr);
   }
@@ -90,17 +85,11 @@ class ComposerTest : public testing::Test {
     composer_.reset();
     window_.Close();
     ui::test::Pump(20);
-    fs::remove_all(dir_);
   }
 
  public:
   // A sparse file of `size` bytes in the test's folder.
-  WString Make(const std::string& name, uint64_t size) {
-    fs::path p = dir_ / name;
-    std::ofstream(p).close();
-    fs::resize_file(p, size);
-    return W(p.string());
-  }
+  WString Make(const std::string& name, uint64_t size) { return scratch_.Make(name, size); }
 
  protected:
   WString Content() const {
@@ -109,7 +98,7 @@ class ComposerTest : public testing::Test {
     return text;
   }
 
-  fs::path dir_;
+  ui::test::ScratchFolder scratch_{"composer"};
   std::unique_ptr<RecordingSink> sink_;
   ui::test::RecordingWindow window_{"IMWnd.xml", "DuiLibRes\\skin\\"};
   std::unique_ptr<Composer> composer_;
@@ -132,7 +121,7 @@ TEST_P(ComposedText, IsSentOrKept) {
   const TextCase& c = GetParam();
   c.compose(*this, edit_);
   const WString before = Content();
-  composer_->SendComposed();
+  composer_->Send();
   EXPECT_EQ(sink_->sent, c.sent);
   std::vector<WString> notices;
   if (*c.notice) notices.push_back(W(c.notice));
@@ -208,7 +197,7 @@ class Upload : public ComposerTest, public testing::WithParamInterface<UploadCas
 TEST_P(Upload, ButtonChecksThenSends) {
   const UploadCase& c = GetParam();
   chosen_ = c.choose(*this);
-  c.picture ? composer_->UploadImage() : composer_->UploadFiles();
+  c.picture ? composer_->SendPictures() : composer_->SendFiles();
   ASSERT_EQ(filters_.size(), 1u);
   EXPECT_EQ(filters_[0], W(c.picture ? "图像文件(*.bmp;*.jpg;*.jpeg;*.gif;*.png)" : "文件(*.*)"));
   std::vector<Sent> sent;
@@ -259,31 +248,20 @@ TEST_F(ComposerTest, APastedPictureIsSentAsAPictureAndRichTextArrivesPlain) {
   QImage image(40, 30, QImage::Format_RGB32);
   image.fill(Qt::red);
   QApplication::clipboard()->setImage(image);
-  window_.FindControl("IMWnd_ChatModule").SelectItem(0);  // the chat page
-  window_.ShowWindow(true);
-  QPoint inEdit = edit_->mapTo(edit_->window(), edit_->rect().center());
-  composer_->NoteRightClick({inEdit.x(), inEdit.y()});
-  composer_->PasteAtRightClick();  // the menu's paste (3158)
+  composer_->Paste();
   ASSERT_EQ(ui::RichEdit(composer_->Edit()).GetContent().size(), 1u);
 
   auto* html = new QMimeData;
   html->setHtml("<b>bold</b> <img src='x.png'> text");
   html->setText("bold text");
   QApplication::clipboard()->setMimeData(html);
-  composer_->PasteAtRightClick();
+  composer_->Paste();
 
-  composer_->SendComposed();
+  composer_->Send();
   ASSERT_EQ(sink_->sent.size(), 2u);
   EXPECT_EQ(sink_->sent[0].kind, Sent::kImage);
   EXPECT_EQ(QImage(QString::fromStdU16String(sink_->sent[0].value)).size(), QSize(40, 30));
   EXPECT_EQ(sink_->sent[1], (Sent{Sent::kText, u"bold text"}));
-}
-
-TEST_F(ComposerTest, ARightClickElsewhereDoesNotPaste) {
-  QApplication::clipboard()->setText("x");
-  composer_->NoteRightClick({1, 1});
-  composer_->PasteAtRightClick();
-  EXPECT_EQ(Content(), u"");
 }
 
 TEST_F(ComposerTest, DroppedFilesGoThroughTheButtonsChecks) {
@@ -312,7 +290,7 @@ TEST_F(ComposerTest, DroppedFilesGoThroughTheButtonsChecks) {
 
 TEST_F(ComposerTest, AnEmoticonChosenInThePickerIsSentAsItsCode) {
   window_.ShowWindow(true);
-  composer_->OpenFacePicker(window_.FindControl("IMWnd_EmoticonsBtn"));
+  composer_->OpenEmoticons();
   CFaceSelectDialog* picker = composer_->Picker();
   ASSERT_NE(picker, nullptr);
   ASSERT_TRUE(picker->IsCreated());
@@ -320,7 +298,7 @@ TEST_F(ComposerTest, AnEmoticonChosenInThePickerIsSentAsItsCode) {
   ASSERT_TRUE(ui::test::PumpUntil([&] { return !picker->IsCreated(); }));
   ASSERT_TRUE(ui::test::PumpUntil([&] { return !picker->HasChoice(); }));  // read by 3153
   EXPECT_EQ(Content(), u"[Leepy]");
-  composer_->SendComposed();
+  composer_->Send();
   EXPECT_EQ(sink_->sent, (std::vector<Sent>{{Sent::kText, W("[困]")}}));
 }
 

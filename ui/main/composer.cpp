@@ -37,20 +37,22 @@ std::vector<rules::Outgoing> AsOutgoing(const std::vector<ui::RichPiece>& pieces
 
 }  // namespace
 
-Composer::Composer(ui::WindowImplBase& window, service::ComposerSink& sink)
-    : Composer(window, sink, DefaultPrompts(window)) {}
+Composer::Composer(ui::WindowImplBase& window, const ui::Control& edit, service::ComposerSink& sink)
+    : Composer(window, edit, sink, DefaultPrompts(window)) {}
 
-Composer::Composer(ui::WindowImplBase& window, service::ComposerSink& sink, Prompts prompts)
-    : window_(window), sink_(sink), prompts_(std::move(prompts)) {}
-
-Composer::~Composer() = default;
-
-void Composer::Attach() {
-  edit_ = ui::RichEdit(window_.FindControl("ChatWindow_SendrichEdit"));
+Composer::Composer(ui::WindowImplBase& window, const ui::Control& edit, service::ComposerSink& sink,
+                   Prompts prompts)
+    : ComposerRoutes(edit),
+      window_(window),
+      sink_(sink),
+      prompts_(std::move(prompts)),
+      edit_(edit) {
   edit_.SetPasteFolder(sink_.PastedPictureFolder());
 }
 
-void Composer::SendComposed() {
+Composer::~Composer() = default;
+
+void Composer::Send() {
   if (!edit_) return;
   std::vector<rules::Outgoing> items = rules::PrepareOutgoing(AsOutgoing(edit_.GetContent()));
   if (items.empty()) return;  // spaces only: the composer keeps them
@@ -68,28 +70,29 @@ void Composer::SendComposed() {
   Focus();
 }
 
-void Composer::OpenFacePicker(const ui::Control& button) {
+void Composer::OpenEmoticons() {
   if (picker_ && picker_->IsCreated()) picker_->Close(1);
   picker_ = std::make_unique<CFaceSelectDialog>();
   ui::Rect window = window_.GetWindowRect();
-  ui::Rect at = button.GetPos();
+  ui::Rect at = window_.FindControl("IMWnd_EmoticonsBtn").GetPos();
   picker_->Open(window_, ui::Point{window.left + at.left, window.top + at.top});
 }
 
-void Composer::InsertChosenFace() {
-  if (!picker_ || !picker_->HasChoice()) return;
+ui::LRESULT Composer::InsertEmoticon(ui::WPARAM, ui::LPARAM) {
+  if (!picker_ || !picker_->HasChoice()) return 0;
   const rules::Emoticon* emoticon = rules::FindByCode(picker_->ChosenCode());
   // No composer: the choice is dropped without a word.
   if (edit_ && emoticon != nullptr) edit_.InsertImage(picker_->ChosenPath(), emoticon->pickerCode);
   picker_->ClearChoice();
   Focus();
+  return 0;
 }
 
-void Composer::UploadImage() {
+void Composer::SendPictures() {
   Upload(rules::AttachmentKind::kPicture);
 }
 
-void Composer::UploadFiles() {
+void Composer::SendFiles() {
   Upload(rules::AttachmentKind::kFile);
 }
 
@@ -99,7 +102,7 @@ void Composer::Upload(rules::AttachmentKind kind) {
   Focus();
 }
 
-void Composer::SendDroppedFiles(const std::vector<WString>& paths) {
+void Composer::DropFiles(const std::vector<WString>& paths) {
   for (const WString& path : paths) {
     SendAttachment(
         rules::IsPictureFile(path) ? rules::AttachmentKind::kPicture : rules::AttachmentKind::kFile,
@@ -121,22 +124,16 @@ void Composer::SendAttachment(rules::AttachmentKind kind, const WString& path) {
   }
 }
 
-bool Composer::PasteKey() {
-  if (!edit_ || !edit_.control().IsFocused()) return false;
+void Composer::PasteKey() {
   edit_.PasteSpecial();
-  return true;
+}
+
+void Composer::Paste() {
+  edit_.PasteSpecial();
 }
 
 void Composer::Cut() {
   edit_.Cut();
-}
-
-void Composer::NoteRightClick(ui::Point windowPoint) {
-  rightClick_ = windowPoint;
-}
-
-void Composer::PasteAtRightClick() {
-  if (edit_ && window_.FindControlAt(rightClick_) == edit_.control()) edit_.PasteSpecial();
 }
 
 void Composer::Clear() {
@@ -144,6 +141,5 @@ void Composer::Clear() {
 }
 
 void Composer::Focus() {
-  ui::Control edit = edit_.control();
-  edit.SetFocus();
+  composer_.SetFocus();
 }

@@ -11,6 +11,7 @@
 #include "platform/strings.h"
 #include "ui/kit/control.h"
 #include "ui/kit/rich_edit.h"
+#include "ui/main/pane_routes.h"
 #include "ui/rules/send_limits.h"
 
 namespace service {
@@ -21,7 +22,7 @@ class WindowImplBase;
 }
 class CFaceSelectDialog;
 
-class Composer {
+class Composer final : public ui::main::ComposerRoutes {
  public:
   // What the composer asks of the user. The defaults are the open-file
   // dialog and the module's message box; tests put their own.
@@ -30,40 +31,35 @@ class Composer {
     std::function<void(const ui::rules::Refusal&)> notice;
   };
 
-  Composer(ui::WindowImplBase& window, service::ComposerSink& sink);
-  Composer(ui::WindowImplBase& window, service::ComposerSink& sink, Prompts prompts);
-  ~Composer();
+  // `edit` is the window's ChatWindow_SendrichEdit (may be absent).
+  Composer(ui::WindowImplBase& window, const ui::Control& edit, service::ComposerSink& sink);
+  Composer(ui::WindowImplBase& window, const ui::Control& edit, service::ComposerSink& sink,
+           Prompts prompts);
+  ~Composer() override;
   Composer(const Composer&) = delete;
   Composer& operator=(const Composer&) = delete;
 
-  // Finds the rich edit in the window's skin (once the skin is loaded).
-  void Attach();
-  const ui::Control& Edit() const { return edit_.control(); }
-
   // Enter in the composer and the send button: the composed text and
   // pictures go to the open conversation, unless something is refused.
-  void SendComposed();
-  // The emoticon button: the picker opens above `button`.
-  void OpenFacePicker(const ui::Control& button);
+  void Send() override;
+  // The picture and file buttons: choose, check, send.
+  void SendPictures() override;
+  void SendFiles() override;
+  // The emoticon button: the picker opens above it.
+  void OpenEmoticons() override;
   // 3153: the picker's choice goes into the composer.
-  void InsertChosenFace();
-  // The picture and file buttons: choose, check, send; the composer then
-  // has the focus.
-  void UploadImage();
-  void UploadFiles();
+  ui::LRESULT InsertEmoticon(ui::WPARAM wParam, ui::LPARAM lParam) override;
   // Files dropped on the window: pictures as pictures, anything else as a
   // file, each through its button's checks.
-  void SendDroppedFiles(const std::vector<WString>& paths);
-
-  // Ctrl+V: pasted through the filter when the composer has the focus;
-  // true when the key was taken.
-  bool PasteKey();
-  void Cut();                                  // 3156
-  void NoteRightClick(ui::Point windowPoint);  // a right-click anywhere in the window
-  void PasteAtRightClick();                    // 3158: only when that click was on the composer
-  void Clear();                                // 3205 and the window's reset
+  void DropFiles(const std::vector<WString>& paths) override;
+  // Ctrl+V and the menu's paste: only text and pictures come in.
+  void PasteKey() override;
+  void Paste() override;
+  void Cut() override;
+  void Clear() override;  // 3205 and the window's reset
   void Focus();
 
+  const ui::Control& Edit() const { return composer_; }
   CFaceSelectDialog* Picker() const { return picker_.get(); }
 
  private:
@@ -75,5 +71,4 @@ class Composer {
   Prompts prompts_;
   ui::RichEdit edit_;
   std::unique_ptr<CFaceSelectDialog> picker_;
-  ui::Point rightClick_{-1, -1};
 };

@@ -27,7 +27,9 @@ QWidget* HostFrame(void* parent) {
 }  // namespace
 
 CIMWnd::CIMWnd(CChatTools& tools)
-    : tools_(tools), conversationSource_(service::MakeConversationListSource(tools)) {
+    : tools_(tools),
+      conversationSource_(service::MakeConversationListSource(tools)),
+      composerSink_(service::MakeComposerSink(tools)) {
   service::CreateModuleMutexes();
   service::ForgetCurrentConversation();
 }
@@ -84,13 +86,14 @@ void CIMWnd::MakePanes() {
                                                                     *conversationSource_, *this);
   conversations_->SetUp();
   messageView_ = std::make_unique<ui::main::MessageViewRoutes>();
-  composer_ = std::make_unique<ui::main::ComposerRoutes>(controls_.composer);
+  composer_ = std::make_unique<Composer>(*this, controls_.composer, *composerSink_);
   friends_ = std::make_unique<ui::main::FriendListRoutes>();
   dialogs_ = std::make_unique<ui::main::ChatDialogRoutes>(*this, tools_);
 }
 
 void CIMWnd::Init() {
   controls_.LookUp(*this);
+  DragAcceptFiles(true);
   MakePanes();
   controls_.hisRecordList.SetChildPadding(10);
   controls_.friendsListBtn.Selected(false, true);
@@ -135,7 +138,7 @@ void CIMWnd::ResetChatWindow() {
   controls_.friendsList.RemoveAll();
   controls_.friendRequestList.RemoveAll();
   controls_.hisRecordList.RemoveAll();
-  controls_.composer.SetText(WString());
+  if (composer_) composer_->Clear();
   controls_.sessionName.SetText(WString());
   service::ForgetCurrentConversation();
   controls_.chatModule.SelectItem(kEmptyChatPage);

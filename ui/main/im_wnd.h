@@ -20,8 +20,10 @@
 
 #include "platform/strings.h"
 #include "platform/window_messages.h"
+#include "service/panes/composer_sink.h"
 #include "service/panes/conversation_list_source.h"
 #include "ui/kit/window_impl_base.h"
+#include "ui/main/composer.h"
 #include "ui/main/conversation_list_pane.h"
 #include "ui/main/main_controls.h"
 #include "ui/main/pane_routes.h"
@@ -112,6 +114,8 @@ class CIMWnd : public ui::WindowImplBase, public ui::main::ChatNavigator {
 
   ui::main::ConversationListPane& Conversations() { return *conversations_; }
   ui::main::MainControls& Controls() { return controls_; }
+  // The composer pane (made by Init).
+  Composer& ComposerPane() { return static_cast<Composer&>(*composer_); }
 
   // Command ids of the context menus and of the add menu.
   static constexpr unsigned kCmdDeleteConversation = 3168;
@@ -173,6 +177,7 @@ class CIMWnd : public ui::WindowImplBase, public ui::main::ChatNavigator {
   std::unique_ptr<service::ConversationListSource> conversationSource_;
   std::unique_ptr<ui::main::ConversationListPane> conversations_;
   std::unique_ptr<ui::main::MessageViewRoutes> messageView_;
+  std::unique_ptr<service::ComposerSink> composerSink_;
   std::unique_ptr<ui::main::ComposerRoutes> composer_;
   std::unique_ptr<ui::main::FriendListRoutes> friends_;
   std::unique_ptr<ui::main::DialogRoutes> dialogs_;

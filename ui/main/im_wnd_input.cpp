@@ -251,6 +251,9 @@ std::optional<ui::LRESULT> CIMWnd::HandleInputMessage(unsigned uMsg, ui::WPARAM 
     case msg::kComposerCut:
       composer_->Cut();
       return passOn();
+    case ui::kWmDropFiles:
+      if (wParam != 0) composer_->DropFiles(*reinterpret_cast<const std::vector<WString>*>(wParam));
+      return 1;
     case msg::kComposerPaste:
       if (FindControlAt(rightClickPoint_) == controls_.composer) composer_->Paste();
       return passOn();

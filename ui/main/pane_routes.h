@@ -9,6 +9,7 @@
 // and never free anything.
 
 #include <cstdint>
+#include <vector>
 
 #include "platform/strings.h"
 #include "records/message_records.h"
@@ -66,6 +67,8 @@ class ComposerRoutes {
   // 3158 over the composer, 3156.
   virtual void Paste() { composer_.PasteText(); }
   virtual void Cut() { composer_.Cut(); }
+  // Files dropped on the window (kWmDropFiles); the default takes none.
+  virtual void DropFiles(const std::vector<WString>& /*paths*/) {}
 
  protected:
   Control composer_;

@@ -1,13 +1,9 @@
 #include "ui/rules/outgoing.h"
 
-#include <unistd.h>
-
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
+#include "tests/ui/rules/scratch_folder.h"
 
-namespace fs = std::filesystem;
 using platform::W;
 using ui::rules::Outgoing;
 
@@ -52,23 +48,18 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<Case>& info) { return std::string(info.param.name); });
 
 TEST(CheckOutgoing, RefusesTheFirstBadItemAndPassesOrdinaryLongText) {
-  fs::path dir = fs::temp_directory_path() / ("im-outgoing-" + std::to_string(::getpid()));
-  fs::create_directories(dir);
-  fs::path big = dir / "big.txt";
-  std::ofstream(big) << std::string(9000, 'x');
-  fs::path huge = dir / "huge.png";
-  std::ofstream(huge).close();
-  fs::resize_file(huge, 30000000);
+  ui::test::ScratchFolder scratch("outgoing");
+  const WString big = scratch.Make("big.txt", 9000);
+  const WString huge = scratch.Make("huge.png", 30000000);
 
   EXPECT_FALSE(ui::rules::CheckOutgoing({{Outgoing::kText, WString(20000, u'x')}}).has_value());
-  auto text = ui::rules::CheckOutgoing({Text("ok"), {Outgoing::kText, W(big.string())}});
+  auto text = ui::rules::CheckOutgoing({Text("ok"), {Outgoing::kText, big}});
   ASSERT_TRUE(text.has_value());
   EXPECT_EQ(text->text, W("发送文本最大为8000字节"));
   EXPECT_EQ(text->title, W("发送"));
-  auto picture = ui::rules::CheckOutgoing({Text("ok"), {Outgoing::kPicture, W(huge.string())}});
+  auto picture = ui::rules::CheckOutgoing({Text("ok"), {Outgoing::kPicture, huge}});
   ASSERT_TRUE(picture.has_value());
   EXPECT_EQ(picture->text, W("发送图片最大为100M"));
-  fs::remove_all(dir);
 }
 
 }  // namespace

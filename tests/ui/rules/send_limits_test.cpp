@@ -10,6 +10,7 @@
 #include <fstream>
 #include <functional>
 
+#include "tests/ui/rules/scratch_folder.h"
 #include "ui/rules/busy_file.h"
 
 namespace fs = std::filesystem;
@@ -66,29 +67,18 @@ TEST(SendLimits, SizesOverTheLimitAndAllFrom2GiBAreRefused) {
 
 class SendFiles : public testing::Test {
  protected:
-  void SetUp() override {
-    dir_ = fs::temp_directory_path() / ("im-send-limits-" + std::to_string(::getpid()));
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-  }
   void TearDown() override {
     for (int fd : held_) ::close(fd);
-    fs::remove_all(dir_);
   }
-  // A sparse file of `size` bytes.
-  WString Make(const std::string& name, uint64_t size) {
-    fs::path p = dir_ / name;
-    std::ofstream(p).close();
-    fs::resize_file(p, size);
-    return W(p.string());
-  }
+  WString Make(const std::string& name, uint64_t size) { return scratch_.Make(name, size); }
   int Hold(const WString& path) {
     int fd = ::open(platform::Utf16ToUtf8(path).c_str(), O_RDWR);
     held_.push_back(fd);
     return fd;
   }
 
-  fs::path dir_;
+  ui::test::ScratchFolder scratch_{"send-limits"};
+  const fs::path& dir_ = scratch_.path();
   std::vector<int> held_;
 };
 

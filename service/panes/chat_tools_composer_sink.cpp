@@ -22,7 +22,17 @@ bool OpenConversation(WString& convId, uint32_t& convType) {
   return true;
 }
 
-}  // namespace
+class ChatToolsComposerSink final : public ComposerSink {
+ public:
+  explicit ChatToolsComposerSink(CChatTools& tools) : tools_(tools) {}
+  bool SendText(const WString& text) override;
+  bool SendImage(const WString& path) override;
+  bool SendFile(const WString& path) override;
+  WString PastedPictureFolder() const override;
+
+ private:
+  CChatTools& tools_;
+};
 
 bool ChatToolsComposerSink::SendText(const WString& text) {
   WString convId;
@@ -58,6 +68,12 @@ WString ChatToolsComposerSink::PastedPictureFolder() const {
   while (!face.empty() && !face.has_filename()) face = face.parent_path();
   if (face.empty()) return {};  // not signed in: the caller picks a temporary folder
   return platform::W((face.parent_path() / "send").string());
+}
+
+}  // namespace
+
+std::unique_ptr<ComposerSink> MakeComposerSink(CChatTools& tools) {
+  return std::make_unique<ChatToolsComposerSink>(tools);
 }
 
 }  // namespace service
