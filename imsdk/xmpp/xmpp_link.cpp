@@ -1,5 +1,8 @@
 #include "imsdk/xmpp/xmpp_link.h"
 
+#include <pthread.h>
+#include <signal.h>
+
 #include <cstdlib>
 #include <cstring>
 
@@ -95,6 +98,13 @@ bool XmppLink::Call(std::function<void()> task, std::chrono::milliseconds limit)
 }
 
 void XmppLink::Run() {
+  // Writing to a connection the server dropped raises SIGPIPE, which would
+  // end the host's process; blocked on this thread, the write fails with
+  // EPIPE instead and the connection is reported lost.
+  sigset_t pipe;
+  sigemptyset(&pipe);
+  sigaddset(&pipe, SIGPIPE);
+  pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
   for (;;) {
     {
       std::unique_lock lock(mutex_);
