@@ -9,6 +9,7 @@
 
 #include "imsdk/im_sdk.h"
 #include "platform/data_folders.h"
+#include "platform/module_workers.h"
 #include "service/current_conversation.h"
 #include "service/module_counters.h"
 #include "service/posting.h"
@@ -94,7 +95,8 @@ void ServiceTest::SetUp() {
 }
 
 void ServiceTest::TearDown() {
-  TIMUninit();  // no callback runs after this
+  TIMUninit();                                    // no callback runs after this
+  platform::ModuleWorkers::Instance().StopAll();  // as unloading does
   for (const platform::WindowMessage& message : window.queue.TakeAll()) Handle(message, false);
   tools.reset();
   CChatDb::Instance().Close();
