@@ -8,10 +8,12 @@
 #include <QDeadlineTimer>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QListView>
 #include <QMouseEvent>
 #include <QTextEdit>
 #include <QWidget>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 
@@ -167,6 +169,84 @@ bool SendInSharedChat(host::local::LocalHost& host, const std::string& text) {
   return sent;
 }
 
+// A left click at a point of a widget, as the user's mouse gives it.
+void ClickAt(QWidget* widget, QPoint at) {
+  QPointF global = widget->mapToGlobal(QPointF(at));
+  QMouseEvent press(QEvent::MouseButtonPress, QPointF(at), global, Qt::LeftButton, Qt::LeftButton,
+                    Qt::NoModifier);
+  QApplication::sendEvent(widget, &press);
+  QMouseEvent release(QEvent::MouseButtonRelease, QPointF(at), global, Qt::LeftButton, Qt::NoButton,
+                      Qt::NoModifier);
+  QApplication::sendEvent(widget, &release);
+}
+
+// The row of a list named `name` for screen readers, or -1.
+int RowNamed(QListView* list, const char* name) {
+  QAbstractItemModel* model = list->model();
+  for (int row = 0; model != nullptr && row < model->rowCount(); ++row) {
+    if (model->index(row, 0).data(Qt::AccessibleTextRole).toString() == QString::fromUtf8(name)) {
+      return row;
+    }
+  }
+  return -1;
+}
+
+// Clicks the row named `name`, `x` pixels in from its right edge.
+bool ClickRow(QListView* list, const char* name, int x) {
+  int row = RowNamed(list, name);
+  if (row < 0) return false;
+  QRect rect = list->visualRect(list->model()->index(row, 0));
+  ClickAt(list->viewport(), QPoint(rect.right() - x, rect.center().y()));
+  return true;
+}
+
+bool SaveShot(QWidget* window, const std::string& path, std::vector<std::string>& shots) {
+  QCoreApplication::processEvents();
+  if (!window->grab().save(QString::fromStdString(path))) {
+    Say("Could not write the screenshot %s.", path);
+    return false;
+  }
+  shots.push_back(path);
+  return true;
+}
+
+// The friends page: the user accepts 赵工's request from the request list,
+// then opens 赵工's card from the friend list.
+bool VisitFriendsPage(QWidget* window, const std::string& dataRoot,
+                      std::vector<std::string>& shots) {
+  auto* friendsButton = window->findChild<QAbstractButton*>("FriendsListBtn");
+  auto* friends = window->findChild<QListView*>("FriendsList");
+  auto* requests = window->findChild<QListView*>("Friend_Request_List");
+  if (friendsButton == nullptr || friends == nullptr || requests == nullptr) return false;
+  friendsButton->click();
+  if (!PumpUntil([&] { return RowNamed(friends, "王工") >= 0; }, 5000) ||
+      !ClickRow(friends, "新的朋友", 40) ||
+      !PumpUntil([&] { return RowNamed(requests, "赵工") >= 0; }, 5000)) {
+    Say("The request list did not show 赵工's request.");
+    return false;
+  }
+  ClickRow(requests, "赵工", 50);  // the button "接受" at the row's right
+  imsdk::EngineControl& engine = imsdk::EngineControl::Instance();
+  auto isFriend = [&] {
+    std::vector<std::string> ids = engine.FriendsOf(kUser);
+    return std::find(ids.begin(), ids.end(), kStranger) != ids.end();
+  };
+  if (!PumpUntil([&] { return isFriend() && RowNamed(friends, "赵工") >= 0; }, 5000)) {
+    Say("Accepting 赵工's request did not make him a friend in the list.");
+    return false;
+  }
+  Say("张明 accepted 赵工's friend request on the requests page; 赵工 is in the friend list.");
+  if (!SaveShot(window, dataRoot + "/friends-page.png", shots)) return false;
+  ClickRow(friends, "赵工", 40);
+  QWidget* card = window->findChild<QWidget*>("IMWnd_FriendCard");
+  if (card == nullptr || !PumpUntil([&] { return card->isVisible(); }, 2000)) {
+    Say("赵工's card did not open.");
+    return false;
+  }
+  Say("赵工's card is open.");
+  return SaveShot(window, dataRoot + "/friend-card.png", shots);
+}
+
 }  // namespace
 
 QWidget* FindChatWindow() {
@@ -271,6 +351,7 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
     return result;
   }
   result.screenshots.insert(result.screenshots.end(), {menuShot, addFriendShot, settingsShot});
+  if (!VisitFriendsPage(window, dataRoot, result.screenshots)) return result;
   std::printf("Chat.db holds %d messages.\n", StoredMessageCount(db));
   result.ok = true;
   return result;

@@ -11,6 +11,10 @@ class CChatTools;
 
 namespace service {
 
+// The pictures shown while a person or a group has none (skin-relative).
+inline constexpr char16_t kPersonDefaultImage[] = u"..\\img\\PersonDefaultImg.png";
+inline constexpr char16_t kGroupDefaultImage[] = u"..\\img\\GroupDefaultImg.png";
+
 struct ConversationFace {
   WString name;
   WString faceUrl;       // empty: the default picture is the picture

@@ -13,9 +13,6 @@
 namespace service {
 namespace {
 
-const WString kPersonDefaultImage = u"..\\img\\PersonDefaultImg.png";
-const WString kGroupDefaultImage = u"..\\img\\GroupDefaultImg.png";
-
 // The cached file of an avatar URL: a hash of the whole URL (URLs of
 // different hosts may end alike) and the picture's own extension.
 WString FaceFileName(const WString& url) {

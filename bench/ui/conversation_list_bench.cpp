@@ -9,29 +9,11 @@
 #include <QListView>
 #include <QStringListModel>
 
+#include "bench/ui/shown_chat_window.h"
 #include "platform/window_messages.h"
-#include "service/chat_tools.h"
-#include "service/sdk_event_record.h"
 #include "ui/kit/qt/control_ref.h"
-#include "ui/kit/resources.h"
-#include "ui/main/im_wnd.h"
-#include "ui/port/chat_window_port.h"
 
 namespace {
-
-QApplication& App() {
-  static int argc = 1;
-  static char name[] = "ui_bench";
-  static char* argv[] = {name, nullptr};
-  static QApplication* app = [] {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    auto* made = new QApplication(argc, argv);
-    QApplication::setFont(QFont(QStringLiteral("WenQuanYi Micro Hei"), 9));
-    ui::SetResourceRoot(IM_RESOURCE_ROOT);
-    return made;
-  }();
-  return *app;
-}
 
 std::string ConversationList(int count) {
   Json::Value array(Json::arrayValue);
@@ -59,25 +41,11 @@ size_t HeapInUse() {
 }
 
 // The chat window, shown, over a service holding `count` conversations.
-struct ChatWindowWith {
+struct ChatWindowWith : bench::ShownChatWindow {
   explicit ChatWindowWith(int count) {
-    App();
-    tools.AttachWindow(&port);
-    window.CreateChatWindow();
-    window.ShowChat();
-    tools.DealConvListFunc(ConversationList(count));
-    QCoreApplication::processEvents();
-  }
-  ~ChatWindowWith() {
-    tools.AttachWindow(nullptr);
-    window.DestroyChatWindow();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    Feed([&] { tools.DealConvListFunc(ConversationList(count)); });
   }
   void Rebuild() { window.SendMessage(platform::msg::kRecentConversationsChanged); }
-
-  CChatTools tools;
-  CIMWnd window{tools};
-  ui::ChatWindowPort port{window};
 };
 
 void BM_ConversationListRebuild(benchmark::State& state) {
@@ -110,7 +78,7 @@ void BM_ConversationListMemory(benchmark::State& state) {
 BENCHMARK(BM_ConversationListMemory)->Arg(500)->Iterations(3);
 
 void BM_QtListViewBaseline(benchmark::State& state) {
-  App();
+  bench::App();
   QListView view;
   QStringListModel model;
   view.setModel(&model);
@@ -124,6 +92,6 @@ void BM_QtListViewBaseline(benchmark::State& state) {
     view.viewport()->repaint();
   }
 }
-BENCHMARK(BM_QtListViewBaseline)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_QtListViewBaseline)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
 
 }  // namespace

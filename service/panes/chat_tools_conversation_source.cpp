@@ -11,8 +11,7 @@ namespace {
 
 class ChatToolsConversationSource : public ConversationListSource {
  public:
-  explicit ChatToolsConversationSource(CChatTools& tools)
-      : tools_(tools), faces_(&ChatWindowOf, &tools) {}
+  explicit ChatToolsConversationSource(CChatTools& tools) : tools_(tools), faces_(tools) {}
 
   bool IsSignedIn() const override { return !tools_.UserId().empty(); }
 
@@ -37,15 +36,7 @@ class ChatToolsConversationSource : public ConversationListSource {
 
   Picture ConversationPicture(uint32_t convType, const WString& convId) override {
     ConversationFace face = LookUpConversationFace(tools_, convType, convId);
-    Picture picture{face.defaultImage, face.name};
-    WString path = FaceCachePath(face.faceUrl);
-    if (path.empty()) return picture;
-    if (FaceFileExists(path)) {
-      picture.path = path;
-    } else {
-      faces_.Fetch(face.faceUrl, path, convId);
-    }
-    return picture;
+    return Picture{faces_.CachedOrQueued(face.faceUrl, face.defaultImage, convId), face.name};
   }
 
   WString ConversationName(uint32_t convType, const WString& convId) override {
@@ -90,10 +81,6 @@ class ChatToolsConversationSource : public ConversationListSource {
  private:
   // The SDK's "disconnected" status (kTIMDisconnected).
   static constexpr uint32_t kNetworkDownStatus = 1;
-
-  static platform::WindowHandle ChatWindowOf(void* tools) {
-    return static_cast<CChatTools*>(tools)->ChatWindow();
-  }
 
   // The recent record's last message, or the conversation set's when the
   // record has none (a record added by a new message carries only its id).

@@ -2,12 +2,16 @@
 
 #include <memory>
 
+#include "service/chat_tools.h"
 #include "service/conversation_faces.h"
 #include "service/posting.h"
 
 namespace service {
 
 FaceFetcher::FaceFetcher(WindowOf window, void* context) : window_(window), context_(context) {}
+
+FaceFetcher::FaceFetcher(CChatTools& tools)
+    : FaceFetcher([](void* t) { return static_cast<CChatTools*>(t)->ChatWindow(); }, &tools) {}
 
 FaceFetcher::~FaceFetcher() {
   {
@@ -27,6 +31,15 @@ void FaceFetcher::Fetch(const WString& url, const WString& path, const WString& 
     if (!worker_.joinable()) worker_ = std::thread([this] { Run(); });
   }
   wake_.notify_one();
+}
+
+WString FaceFetcher::CachedOrQueued(const WString& url, const WString& fallback,
+                                    const WString& convId) {
+  WString path = FaceCachePath(url);
+  if (path.empty()) return fallback;
+  if (FaceFileExists(path)) return path;
+  Fetch(url, path, convId);
+  return fallback;
 }
 
 void FaceFetcher::WaitIdle() {

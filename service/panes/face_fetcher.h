@@ -12,6 +12,8 @@
 #include "platform/strings.h"
 #include "platform/window_messages.h"
 
+class CChatTools;
+
 namespace service {
 
 class FaceFetcher {
@@ -20,6 +22,8 @@ class FaceFetcher {
   // created after this object).
   using WindowOf = platform::WindowHandle (*)(void* context);
   FaceFetcher(WindowOf window, void* context);
+  // Arrivals go to the chat window of `tools`.
+  explicit FaceFetcher(CChatTools& tools);
   // Waits for the fetch in progress; the queued ones are dropped.
   ~FaceFetcher();
   FaceFetcher(const FaceFetcher&) = delete;
@@ -28,6 +32,10 @@ class FaceFetcher {
   // Queues the download of `url` into `path` for `convId`; a path already
   // queued or being fetched is not queued again.
   void Fetch(const WString& url, const WString& path, const WString& convId);
+  // The cached picture of `url` when it is there; else `fallback` now, and
+  // the download is queued for `convId` (empty URL or no face folder:
+  // `fallback`, nothing queued).
+  WString CachedOrQueued(const WString& url, const WString& fallback, const WString& convId);
   // Waits until nothing is queued or being fetched (tests, benchmarks).
   void WaitIdle();
 

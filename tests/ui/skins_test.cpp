@@ -2,6 +2,8 @@
 // there, under its name, of a usable kind; every picture they name exists.
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -65,15 +67,18 @@ TEST(Skins, MainWindowPagesAndListsAreWhereTheWindowExpectsThem) {
   EXPECT_TRUE(w.FindControl("ConversationList").IsInside(w.FindControl("IMWnd_Col2")));
   EXPECT_TRUE(w.FindControl("IMSetUp").IsInside(w.FindControl("IMWnd_Col1")));
   EXPECT_TRUE(w.FindControl("FriendList_Info_Image").IsInside(w.FindControl("IMWnd_ChatModule")));
-  const char* lists[] = {"FriendsList", "Friend_Request_List", "GroupsList", "HisRecordList"};
-  for (const char* name : lists) {
-    Control item = w.CreateFromSkin("friend_list_item.xml");
-    EXPECT_TRUE(w.FindControl(name).Add(item)) << name;
+  EXPECT_TRUE(w.FindControl("HisRecordList").Add(w.CreateFromSkin("friend_list_item.xml")));
+  // The long lists are rows drawn from their templates.
+  const std::pair<const char*, const char*> rowLists[] = {
+      {"ConversationList", "Conver_list_item.xml"},
+      {"FriendsList", "friend_list_item.xml"},
+      {"Friend_Request_List", "Friend_Request_Item.xml"},
+      {"GroupsList", "group_list_item.xml"}};
+  for (const auto& [list, skin] : rowLists) {
+    RowList rows(w.FindControl(list));
+    ASSERT_TRUE(rows) << list;
+    EXPECT_TRUE(rows.SetTemplate(skin, 60)) << list;
   }
-  // The conversations are rows drawn from their template.
-  RowList rows(w.FindControl("ConversationList"));
-  ASSERT_TRUE(rows);
-  EXPECT_TRUE(rows.SetTemplate("Conver_list_item.xml", 80));
 }
 
 TEST(Skins, ItemTemplatesHaveTheirNamesAndSubControls) {

@@ -202,6 +202,9 @@ bool Control::SetAttribute(std::string_view name, const WString& value) {
   bool applied = true;
   if (key == "text") {
     SetText(value);
+  } else if (key == "name") {
+    // Rows drawn from one template can still tell their kinds apart by name.
+    SetName(utf8);
   } else if (key == "tooltip") {
     SetToolTip(value);
   } else if (key == "userdata") {

@@ -61,6 +61,8 @@ class ConversationListPane {
 
   void ShowConversationsPage();
   void ShowFriendsPage();
+  // The left page for the service's state (the friend list rebuilds too).
+  void ChooseLeftPage();
 
   RowList& rows() { return rows_; }
 
@@ -69,7 +71,6 @@ class ConversationListPane {
             const service::ConversationListSource::Picture& picture);
   void FillPicture(int row, const WString& convId, const WString& path);
   void FillSummary(int row, const ConversationInfo_Stru& conv);
-  void ChooseLeftPage();
   void Post(unsigned msg, WPARAM wParam = 0);
 
   WindowImplBase& window_;

@@ -7,7 +7,9 @@
 #include "service/chat_tools.h"
 #include "service/current_conversation.h"
 #include "service/named_mutexes.h"
+#include "ui/dialogs/chat_message_box.h"
 #include "ui/main/chat_dialog_routes.h"
+#include "ui/main/friends_page.h"
 #include "ui/main/unread_dots.h"
 
 namespace {
@@ -29,6 +31,9 @@ QWidget* HostFrame(void* parent) {
 CIMWnd::CIMWnd(CChatTools& tools)
     : tools_(tools),
       conversationSource_(service::MakeConversationListSource(tools)),
+      friendSource_(service::MakeFriendListSource(tools)),
+      groupSource_(service::MakeGroupListSource(tools)),
+      requestSource_(service::MakeRequestListSource(tools)),
       composerSink_(service::MakeComposerSink(tools)) {
   service::CreateModuleMutexes();
   service::ForgetCurrentConversation();
@@ -87,7 +92,15 @@ void CIMWnd::MakePanes() {
   conversations_->SetUp();
   messageView_ = std::make_unique<ui::main::MessageViewRoutes>();
   composer_ = std::make_unique<Composer>(*this, controls_.composer, *composerSink_);
-  friends_ = std::make_unique<ui::main::FriendListRoutes>();
+  auto friends = std::make_unique<ui::main::FriendsPage>(
+      *this, controls_, *conversations_, *this,
+      ui::main::FriendsPage::Sources{*friendSource_, *groupSource_, *requestSource_},
+      [this](const WString& title, const WString& text) {
+        CChatMessageBox(title, text, this, CChatMessageBox::kQuestion);
+        return CChatMessageBox::Confirmed();
+      });
+  friends->SetUp();
+  friends_ = std::move(friends);
   dialogs_ = std::make_unique<ui::main::ChatDialogRoutes>(*this, tools_);
 }
 
@@ -135,8 +148,7 @@ void CIMWnd::SetNetworkStatus() {
 
 void CIMWnd::ResetChatWindow() {
   if (conversations_) conversations_->rows().RemoveAll();
-  controls_.friendsList.RemoveAll();
-  controls_.friendRequestList.RemoveAll();
+  if (friends_) friends_->Clear();
   controls_.hisRecordList.RemoveAll();
   if (composer_) composer_->Clear();
   controls_.sessionName.SetText(WString());

@@ -22,6 +22,9 @@
 #include "platform/window_messages.h"
 #include "service/panes/composer_sink.h"
 #include "service/panes/conversation_list_source.h"
+#include "service/panes/friend_list_source.h"
+#include "service/panes/group_list_source.h"
+#include "service/panes/request_list_source.h"
 #include "ui/kit/window_impl_base.h"
 #include "ui/main/composer.h"
 #include "ui/main/conversation_list_pane.h"
@@ -175,6 +178,9 @@ class CIMWnd : public ui::WindowImplBase, public ui::main::ChatNavigator {
   ui::Point rightClickPoint_;
 
   std::unique_ptr<service::ConversationListSource> conversationSource_;
+  std::unique_ptr<service::FriendListSource> friendSource_;
+  std::unique_ptr<service::GroupListSource> groupSource_;
+  std::unique_ptr<service::RequestListSource> requestSource_;
   std::unique_ptr<ui::main::ConversationListPane> conversations_;
   std::unique_ptr<ui::main::MessageViewRoutes> messageView_;
   std::unique_ptr<service::ComposerSink> composerSink_;

@@ -48,8 +48,12 @@ void CIMWnd::Notify(ui::TNotifyUI& msg) {
     OnTextChanged(msg);
   } else if (type == ui::kNotifyRButtonUp) {
     OnContextMenu(msg);
-  } else if (type == ui::kNotifyReturn && msg.pSender.GetName() == "ChatWindow_SendrichEdit") {
-    composer_->Send();
+  } else if (type == ui::kNotifyReturn) {
+    if (msg.pSender.GetName() == "ChatWindow_SendrichEdit") {
+      composer_->Send();
+    } else {
+      friends_->OnReturn(msg.pSender);
+    }
   }
   WindowImplBase::Notify(msg);
 }

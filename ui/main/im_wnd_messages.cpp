@@ -95,7 +95,10 @@ bool CIMWnd::HandleListMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lPar
       if (auto convId = AdoptPayload<WString>(wParam)) conversations_->UpdateSummary(*convId);
       return true;
     case msg::kConversationLogoChanged:
-      if (auto convId = AdoptPayload<WString>(wParam)) conversations_->UpdatePicture(*convId);
+      if (auto id = AdoptPayload<WString>(wParam)) {
+        conversations_->UpdatePicture(*id);
+        friends_->UpdatePicture(*id);
+      }
       return true;
     case msg::kConversationNameChanged: {
       std::unique_ptr<WString> convId = AdoptPayload<WString>(wParam);

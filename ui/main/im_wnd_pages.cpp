@@ -73,6 +73,8 @@ void CIMWnd::UpdateCovnID(const WString& convId, uint32_t convType, int mode) {
       service::Post(GetHWND(), msg::kGroupListChanged);
       break;
     case 7:
+      // The card of `convId` (a friend's card was opened from the list).
+      if (!convId.empty()) shownProfileId_ = convId;
       pages(kFriendsPage, kEmptyChatPage);
       if (!shownProfileId_.empty()) tools_.RequestUserProfiles({shownProfileId_});
       service::Post(GetHWND(), msg::kFriendListChanged);

@@ -89,6 +89,12 @@ class FriendListRoutes {
   virtual void RefetchProfiles() {}                           // 3167
   virtual void OnRemarkChanged(const WString& /*remark*/) {}  // 3149
   virtual void OnKillFocus(const Control& /*control*/) {}
+  // Enter in an edit of the friends page.
+  virtual void OnReturn(const Control& /*control*/) {}
+  // 3192: the picture of a user or group has arrived.
+  virtual void UpdatePicture(const WString& /*id*/) {}
+  // The window forgets the signed-in user's data.
+  virtual void Clear() {}
   // Item selections and the clicks that mean the same.
   virtual void SelectFriend(const Control& /*item*/) {}
   virtual void SelectGroup(const Control& /*item*/) {}
