@@ -3,6 +3,7 @@
 
 #include "service/current_conversation.h"
 #include "tests/ui/fake_conversation_source.h"
+#include "tests/ui/recording_navigation.h"
 #include "tests/ui/test_window.h"
 #include "ui/main/conversation_list_pane.h"
 #include "ui/main/unread_dots.h"
@@ -12,17 +13,7 @@ namespace {
 using ui::main::ConversationListPane;
 using ui::test::FakeConversationSource;
 
-struct Navigation : ui::main::ChatNavigator {
-  struct Call {
-    WString id;
-    uint32_t type;
-    int mode;
-  };
-  std::vector<Call> calls;
-  void UpdateCovnID(const WString& id, uint32_t type, int mode) override {
-    calls.push_back({id, type, mode});
-  }
-};
+using Navigation = ui::test::RecordingNavigation;
 
 class ConversationListPaneTest : public ::testing::Test {
  protected:

@@ -49,8 +49,8 @@ TEST(FriendRules, RequestButtonHasThreeLooks) {
   };
   for (const Case& c : cases) {
     ButtonLook look = RequestButtonLook(c.state);
-    EXPECT_EQ(look.text == nullptr, c.text == nullptr);
-    if (c.text != nullptr) EXPECT_EQ(std::u16string_view(look.text), c.text);
+    EXPECT_EQ(std::u16string_view(look.text ? look.text : u"(unchanged)"),
+              std::u16string_view(c.text ? c.text : u"(unchanged)"));
     EXPECT_EQ(look.textColor, c.textColor);
     EXPECT_EQ(look.backColor, c.backColor);
     EXPECT_EQ(look.enabled, c.enabled);

@@ -5,6 +5,7 @@
 #include "service/posting.h"
 #include "tests/ui/fake_conversation_source.h"
 #include "tests/ui/fake_friend_sources.h"
+#include "tests/ui/recording_navigation.h"
 #include "tests/ui/test_window.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/row_list_view.h"
@@ -15,18 +16,7 @@ namespace {
 
 using ui::main::FriendsPage;
 
-struct Navigation : ui::main::ChatNavigator {
-  struct Call {
-    WString id;
-    uint32_t type;
-    int mode;
-    bool operator==(const Call&) const = default;
-  };
-  std::vector<Call> calls;
-  void UpdateCovnID(const WString& id, uint32_t type, int mode) override {
-    calls.push_back({id, type, mode});
-  }
-};
+using Navigation = ui::test::RecordingNavigation;
 
 class FriendsPageTest : public ::testing::Test {
  protected:

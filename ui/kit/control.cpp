@@ -205,6 +205,8 @@ bool Control::SetAttribute(std::string_view name, const WString& value) {
   } else if (key == "name") {
     // Rows drawn from one template can still tell their kinds apart by name.
     SetName(utf8);
+  } else if (key == "accessiblename") {
+    w->setAccessibleName(ToQ(value));
   } else if (key == "tooltip") {
     SetToolTip(value);
   } else if (key == "userdata") {

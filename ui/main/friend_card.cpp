@@ -31,7 +31,7 @@ void FriendCard::FillPersonalInformation(const FriendsList_Stru& friendRecord) {
   const WString& nickname = friendRecord.profile.nick_name;
   name_.SetText(nickname.empty() ? shownId_ : nickname);
   name_.SetToolTip(shownId_);
-  remarkLabel_.SetText(friendRecord.remark);
+  ShowRemark(friendRecord.remark);
   emptyImage_.SetVisible(false);
   emptyText_.SetVisible(false);
   card_.SetVisible(true);
@@ -73,7 +73,7 @@ void FriendCard::CommitRemarkEdit() {
                     platform::Utf16ToUtf8(shownId_).c_str(), ret);
     return;
   }
-  remarkLabel_.SetText(*remark);
+  ShowRemark(*remark);
   shown->remark = *remark;
   // 3149 carries its text in the second parameter; the window frees it.
   auto name = std::make_unique<WString>(CChatTools::FriendDisplayName(*shown));
@@ -81,6 +81,12 @@ void FriendCard::CommitRemarkEdit() {
                             reinterpret_cast<platform::LPARAM>(name.get()))) {
     name.release();
   }
+}
+
+void FriendCard::ShowRemark(const WString& remark) {
+  remarkLabel_.SetText(remark);
+  // Read out with its caption, also when there is no remark.
+  remarkLabel_.SetAttribute("accessiblename", u"备注：" + remark);
 }
 
 void FriendCard::CloseEditor() {

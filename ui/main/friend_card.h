@@ -43,6 +43,7 @@ class FriendCard {
 
  private:
   void CloseEditor();
+  void ShowRemark(const WString& remark);
 
   WindowImplBase& window_;
   service::FriendListSource& source_;

@@ -2,9 +2,9 @@
 
 #include <map>
 
-#include "platform/trace.h"
 #include "service/chat_tools.h"
 #include "ui/main/friend_rules.h"
+#include "ui/main/pane_rows.h"
 #include "ui/main/unread_dots.h"
 
 namespace ui::main {
@@ -21,11 +21,7 @@ FriendListPane::FriendListPane(MainControls& controls, service::FriendListSource
     : controls_(controls), source_(source) {}
 
 void FriendListPane::SetUp() {
-  rows_ = RowList(controls_.friendsList);
-  if (!rows_.SetTemplate("friend_list_item.xml", kRowHeight)) {
-    platform::Trace("FriendListPane: the row template friend_list_item.xml is missing");
-  }
-  rows_.SetNameControl(kNickname);
+  rows_ = SetUpRows(controls_.friendsList, "friend_list_item.xml", kRowHeight, kNickname);
 }
 
 void FriendListPane::UpdateFriendList(const WString& selectedId) {
@@ -33,16 +29,19 @@ void FriendListPane::UpdateFriendList(const WString& selectedId) {
   std::vector<FriendsList_Stru> friends = source_.Friends();
   std::map<WString, const FriendsList_Stru*> byId;
   for (const FriendsList_Stru& f : friends) byId.emplace(f.identifier, &f);
-  RowList::Batch batch(rows_);
-  rows_.RemoveAll();
-  for (const WString& id : FriendListRows(friends, controls_.searchEdit.GetText())) {
-    auto found = byId.find(id);
-    if (found == byId.end()) {
-      FillFixed(rows_.Add(id), id);
-    } else {
-      FillFriend(rows_.Add(id), *found->second);
+  {
+    RowList::Batch batch(rows_);
+    rows_.RemoveAll();
+    for (const WString& id : FriendListRows(friends, controls_.searchEdit.GetText())) {
+      auto found = byId.find(id);
+      if (found == byId.end()) {
+        FillFixed(rows_.Add(id), id);
+      } else {
+        FillFriend(rows_.Add(id), *found->second);
+      }
     }
   }
+  // After the batch: its end resets the view's selection.
   rows_.Select(selectedId.empty() ? -1 : rows_.Find(selectedId));
 }
 

@@ -49,6 +49,7 @@ class FriendsPage : public FriendListRoutes {
   void OnReturn(const Control& control) override;
   void UpdatePicture(const WString& id) override;
   void Clear() override;
+  void HideCard() override { card_.Hide(); }
 
   void SelectFriend(const Control& item) override;
   void SelectGroup(const Control& item) override { OpenChat(groups_.IdOf(item), kGroupChat); }

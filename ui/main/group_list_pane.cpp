@@ -1,6 +1,6 @@
 #include "ui/main/group_list_pane.h"
 
-#include "platform/trace.h"
+#include "ui/main/pane_rows.h"
 
 namespace ui::main {
 namespace {
@@ -15,11 +15,7 @@ GroupListPane::GroupListPane(const WindowImplBase& window, service::GroupListSou
     : window_(window), source_(source) {}
 
 void GroupListPane::SetUp() {
-  rows_ = RowList(window_.FindControl("GroupsList"));
-  if (!rows_.SetTemplate("group_list_item.xml", kRowHeight)) {
-    platform::Trace("GroupListPane: the row template group_list_item.xml is missing");
-  }
-  rows_.SetNameControl(kName);
+  rows_ = SetUpRows(window_.FindControl("GroupsList"), "group_list_item.xml", kRowHeight, kName);
 }
 
 void GroupListPane::UpdateGroupList() {

@@ -89,8 +89,16 @@ void CIMWnd::OnClick(ui::TNotifyUI& msg) {
        [&] { dialogs_->AddFriendByAccount(controls_.searchEdit.GetText()); }},
       {"SendMsgBtn", true, [&] { composer_->Send(); }},
       {"CreateGroupBtn", true, [&] { dialogs_->OpenAddMenu(sender); }},
-      {"RecentConverBtn", false, [&] { conversations_->ShowConversationsPage(); }},
-      {"FriendsListBtn", false, [&] { conversations_->ShowFriendsPage(); }},
+      {"RecentConverBtn", false,
+       [&] {
+         friends_->HideCard();
+         conversations_->ShowConversationsPage();
+       }},
+      {"FriendsListBtn", false,
+       [&] {
+         friends_->HideCard();
+         conversations_->ShowFriendsPage();
+       }},
       {"ConverItem_logo", false, openItem},
       {"ConverItem_nickname", false, openItem},
       {"ConverItem_description", false, openItem},

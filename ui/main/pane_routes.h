@@ -95,6 +95,8 @@ class FriendListRoutes {
   virtual void UpdatePicture(const WString& /*id*/) {}
   // The window forgets the signed-in user's data.
   virtual void Clear() {}
+  // The empty page shows "nothing open" again (a page button was clicked).
+  virtual void HideCard() {}
   // Item selections and the clicks that mean the same.
   virtual void SelectFriend(const Control& /*item*/) {}
   virtual void SelectGroup(const Control& /*item*/) {}

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/trace.h"
 #include "ui/main/friend_rules.h"
+#include "ui/main/pane_rows.h"
 
 namespace ui::main {
 namespace {
@@ -26,11 +26,7 @@ RequestListPane::RequestListPane(MainControls& controls, service::RequestListSou
     : controls_(controls), source_(source) {}
 
 void RequestListPane::SetUp() {
-  rows_ = RowList(controls_.friendRequestList);
-  if (!rows_.SetTemplate("Friend_Request_Item.xml", kRowHeight)) {
-    platform::Trace("RequestListPane: the row template Friend_Request_Item.xml is missing");
-  }
-  rows_.SetNameControl(kName);
+  rows_ = SetUpRows(controls_.friendRequestList, "Friend_Request_Item.xml", kRowHeight, kName);
 }
 
 void RequestListPane::DisplayFriendRequireList() {
