@@ -6,6 +6,7 @@
 #include <QLayout>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPixmap>
 #include <QStyledItemDelegate>
 
 #include "ui/kit/control.h"
@@ -38,9 +39,14 @@ class StampDelegate : public QStyledItemDelegate {
     }
     QWidget* stamp = view_->BindStamp(index.row(), option.rect.width());
     if (!stamp) return;
-    painter->save();
-    stamp->render(painter, option.rect.topLeft(), QRegion(), QWidget::DrawChildren);
-    painter->restore();
+    // Drawn into a pixmap first: QWidget::render straight into the painter of
+    // a view inside a window shifts the row by the view's place in the window.
+    qreal ratio = painter->device()->devicePixelRatioF();
+    QPixmap row(option.rect.size() * ratio);
+    row.setDevicePixelRatio(ratio);
+    row.fill(Qt::transparent);
+    stamp->render(&row, QPoint(), QRegion(), QWidget::DrawChildren);
+    painter->drawPixmap(option.rect.topLeft(), row);
   }
 
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override {
