@@ -169,17 +169,6 @@ bool SendInSharedChat(host::local::LocalHost& host, const std::string& text) {
   return sent;
 }
 
-// A left click at a point of a widget, as the user's mouse gives it.
-void ClickAt(QWidget* widget, QPoint at) {
-  QPointF global = widget->mapToGlobal(QPointF(at));
-  QMouseEvent press(QEvent::MouseButtonPress, QPointF(at), global, Qt::LeftButton, Qt::LeftButton,
-                    Qt::NoModifier);
-  QApplication::sendEvent(widget, &press);
-  QMouseEvent release(QEvent::MouseButtonRelease, QPointF(at), global, Qt::LeftButton, Qt::NoButton,
-                      Qt::NoModifier);
-  QApplication::sendEvent(widget, &release);
-}
-
 // The row of a list named `name` for screen readers, or -1.
 int RowNamed(QListView* list, const char* name) {
   QAbstractItemModel* model = list->model();
@@ -196,7 +185,7 @@ bool ClickRow(QListView* list, const char* name, int x) {
   int row = RowNamed(list, name);
   if (row < 0) return false;
   QRect rect = list->visualRect(list->model()->index(row, 0));
-  ClickAt(list->viewport(), QPoint(rect.right() - x, rect.center().y()));
+  Click(list->viewport(), QPointF(rect.right() - x, rect.center().y()));
   return true;
 }
 
