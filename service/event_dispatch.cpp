@@ -8,6 +8,9 @@ void CChatTools::DispatchSdkEvent(SdkEventRecord& record) {
       break;
     case kSdkEventNewMessages:
       OnRecvNewMsg(&record);
+      // New messages change the rows' previews, times and unread dots: the
+      // window redraws the conversation list after this record.
+      record.recent_list_flag = 1;
       break;
     case kSdkEventFriendProfileList:
       UpdateFriendList(record.text);  // posts 3183

@@ -7,14 +7,8 @@
 namespace ui {
 namespace {
 
-QString ToQ(const WString& s) {
-  return QString::fromUtf16(s.data(), static_cast<qsizetype>(s.size()));
-}
 QString ToQ(std::string_view s) {
   return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size()));
-}
-WString FromQ(const QString& s) {
-  return WString(reinterpret_cast<const char16_t*>(s.utf16()), static_cast<size_t>(s.size()));
 }
 
 qt::RowListView* ViewOf(const Control& list) {
@@ -51,7 +45,7 @@ bool RowList::SetTemplate(std::string_view skinFile, int rowHeight) {
 }
 
 void RowList::SetNameControl(std::string_view control) {
-  if (qt::RowModel* model = ModelOf(list_)) model->SetNameControl(ToQ(control));
+  if (qt::RowModel* model = ModelOf(list_)) model->SetNameControl(control);
 }
 
 int RowList::Count() const {
@@ -61,7 +55,7 @@ int RowList::Count() const {
 
 int RowList::Add(const WString& userData, int index) {
   qt::RowModel* model = ModelOf(list_);
-  return model ? model->Insert(index, ToQ(userData)) : -1;
+  return model ? model->Insert(index, userData) : -1;
 }
 
 bool RowList::Remove(int row) {
@@ -75,25 +69,25 @@ void RowList::RemoveAll() {
 
 int RowList::Find(const WString& userData) const {
   qt::RowModel* model = ModelOf(list_);
-  return model ? model->Find(ToQ(userData)) : -1;
+  return model ? model->Find(userData) : -1;
 }
 
 WString RowList::UserData(int row) const {
   qt::RowModel* model = ModelOf(list_);
   const qt::RowModel::Row* data = model ? model->RowAt(row) : nullptr;
-  return data ? FromQ(data->userData) : WString();
+  return data ? data->userData : WString();
 }
 
 void RowList::Set(int row, std::string_view control, std::string_view attribute,
                   const WString& value) {
   if (qt::RowModel* model = ModelOf(list_)) {
-    model->SetValue(row, {ToQ(control), ToQ(attribute)}, ToQ(value));
+    model->SetValue(row, model->SlotOf(control, attribute), value);
   }
 }
 
 WString RowList::Get(int row, std::string_view control, std::string_view attribute) const {
   qt::RowModel* model = ModelOf(list_);
-  return model ? FromQ(model->Value(row, {ToQ(control), ToQ(attribute)})) : WString();
+  return model ? model->Value(row, model->SlotOf(control, attribute)) : WString();
 }
 
 void RowList::Select(int row) {

@@ -52,21 +52,23 @@ void ConversationListPane::UpdateRencentConvList() {
   if (!controls_.tabs || !controls_.searchEdit || !rows_) return;
   ChooseLeftPage();
   WString search = controls_.searchEdit.GetText();
+  ConversationTimes times(clock_());
   RowList::Batch batch(rows_);
   rows_.RemoveAll();
   for (const ConversationInfo_Stru& conv : source_.RecentConversations()) {
     service::ConversationListSource::Picture picture =
         source_.ConversationPicture(conv.conv_type, conv.conv_id);
     if (!MatchesSearch(picture.name, search)) continue;
-    Fill(rows_.Add(conv.conv_id), conv, picture);
+    Fill(rows_.Add(conv.conv_id), conv, picture, times);
   }
 }
 
 void ConversationListPane::Fill(int row, const ConversationInfo_Stru& conv,
-                                const service::ConversationListSource::Picture& picture) {
+                                const service::ConversationListSource::Picture& picture,
+                                const ConversationTimes& times) {
   FillPicture(row, conv.conv_id, picture.path);
   rows_.SetText(row, kNickname, picture.name);
-  FillSummary(row, conv);
+  FillSummary(row, conv, times);
 }
 
 void ConversationListPane::FillPicture(int row, const WString& convId, const WString& path) {
@@ -76,18 +78,19 @@ void ConversationListPane::FillPicture(int row, const WString& convId, const WSt
   SetRowDot(rows_, row, kLogo, kConversationDot, !open && source_.IsUnread(convId));
 }
 
-void ConversationListPane::FillSummary(int row, const ConversationInfo_Stru& conv) {
+void ConversationListPane::FillSummary(int row, const ConversationInfo_Stru& conv,
+                                       const ConversationTimes& times) {
   for (std::string_view control : {kNickname, kDescription, kTime}) {
     rows_.Set(row, control, "userdata", conv.conv_id);
   }
   rows_.SetText(row, kDescription, ConversationPreview(conv.last_msg));
-  rows_.SetText(row, kTime, ConversationTimeText(conv.active_time, clock_()));
+  rows_.SetText(row, kTime, times.Text(conv.active_time));
 }
 
 void ConversationListPane::UpdateSummary(const WString& convId) {
   int row = rows_.Find(convId);
   std::optional<ConversationInfo_Stru> conv = source_.FindConversation(convId);
-  if (row >= 0 && conv) FillSummary(row, *conv);
+  if (row >= 0 && conv) FillSummary(row, *conv, ConversationTimes(clock_()));
 }
 
 void ConversationListPane::UpdatePicture(const WString& convId) {

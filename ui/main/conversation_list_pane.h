@@ -13,6 +13,7 @@
 #include "service/panes/conversation_list_source.h"
 #include "ui/kit/row_list.h"
 #include "ui/kit/window_impl_base.h"
+#include "ui/main/conversation_rules.h"
 #include "ui/main/main_controls.h"
 
 namespace ui::main {
@@ -68,9 +69,11 @@ class ConversationListPane {
 
  private:
   void Fill(int row, const ConversationInfo_Stru& conv,
-            const service::ConversationListSource::Picture& picture);
+            const service::ConversationListSource::Picture& picture,
+            const ConversationTimes& times);
   void FillPicture(int row, const WString& convId, const WString& path);
-  void FillSummary(int row, const ConversationInfo_Stru& conv);
+  void FillSummary(int row, const ConversationInfo_Stru& conv, const ConversationTimes& times);
+  void ChooseLeftPage();
   void Post(unsigned msg, WPARAM wParam = 0);
 
   WindowImplBase& window_;

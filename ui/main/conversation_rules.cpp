@@ -17,17 +17,25 @@ WString DateText(const std::tm& t) {
 
 }  // namespace
 
-WString ConversationTimeText(uint64_t seconds, std::time_t now) {
-  std::time_t when = seconds == 0 ? now : static_cast<std::time_t>(seconds);
+ConversationTimes::ConversationTimes(std::time_t now) : now_(now) {
+  localtime_r(&now_, &today_);
+}
+
+WString ConversationTimes::Text(uint64_t seconds) const {
+  std::time_t when = seconds == 0 ? now_ : static_cast<std::time_t>(seconds);
   std::tm whenTm{};
-  std::tm nowTm{};
   localtime_r(&when, &whenTm);
-  localtime_r(&now, &nowTm);
-  // Both dates hold only digits and dashes, so comparing without regard to
-  // case is plain equality.
-  WString date = DateText(whenTm);
-  if (date == DateText(nowTm)) return Format("%02d:%02d", whenTm.tm_hour, whenTm.tm_min);
-  return date;
+  // The dates are compared as numbers: their texts hold only digits and
+  // dashes, so this is the case-blind text comparison.
+  if (whenTm.tm_year == today_.tm_year && whenTm.tm_mon == today_.tm_mon &&
+      whenTm.tm_mday == today_.tm_mday) {
+    return Format("%02d:%02d", whenTm.tm_hour, whenTm.tm_min);
+  }
+  return DateText(whenTm);
+}
+
+WString ConversationTimeText(uint64_t seconds, std::time_t now) {
+  return ConversationTimes(now).Text(seconds);
 }
 
 WString ConversationPreview(const MessageStru& lastMessage) {

@@ -14,6 +14,17 @@ namespace ui::main {
 // "YYYY-MM-DD"; 0 means now.
 WString ConversationTimeText(uint64_t seconds, std::time_t now);
 
+// The same for many rows at one moment: today's date is worked out once.
+class ConversationTimes {
+ public:
+  explicit ConversationTimes(std::time_t now);
+  WString Text(uint64_t seconds) const;
+
+ private:
+  std::time_t now_;
+  std::tm today_{};
+};
+
 // The text of the last text element of the message; empty without one.
 WString ConversationPreview(const MessageStru& lastMessage);
 

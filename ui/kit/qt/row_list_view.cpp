@@ -16,13 +16,8 @@
 namespace ui::qt {
 namespace {
 
-std::u16string KeyOf(const QString& s) {
-  return std::u16string(reinterpret_cast<const char16_t*>(s.utf16()),
-                        static_cast<size_t>(s.size()));
-}
-
-WString ToW(const QString& s) {
-  return KeyOf(s);
+QString ToQ(const WString& s) {
+  return QString::fromUtf16(s.data(), static_cast<qsizetype>(s.size()));
 }
 
 // Paints each row in view with the stamp bound to it.
@@ -66,29 +61,24 @@ int RowModel::rowCount(const QModelIndex& parent) const {
 }
 
 QVariant RowModel::data(const QModelIndex& index, int role) const {
-  const Row* row = RowAt(index.row());
-  if (!row) return {};
+  if (!RowAt(index.row()) || nameSlot_ < 0) return {};
   if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole || role == Qt::ToolTipRole) {
-    return row->values.value(Key({nameControl_, QStringLiteral("text")}));
+    return ToQ(Value(index.row(), nameSlot_));
   }
   return {};
 }
 
-int RowModel::Insert(int index, const QString& userData) {
+int RowModel::Insert(int index, const WString& userData) {
   int count = static_cast<int>(rows_.size());
   if (index < 0 || index > count) index = count;
   if (batch_ == 0) beginInsertRows({}, index, index);
   rows_.insert(rows_.begin() + index, Row{userData, {}});
   if (index == count) {
-    index_.try_emplace(KeyOf(userData), index);
+    index_.try_emplace(userData, index);
   } else {
     Reindex(index);
   }
-  if (batch_ == 0) {
-    endInsertRows();
-  } else {
-    batchDirty_ = true;
-  }
+  if (batch_ == 0) endInsertRows();
   return index;
 }
 
@@ -97,11 +87,7 @@ bool RowModel::Remove(int index) {
   if (batch_ == 0) beginRemoveRows({}, index, index);
   rows_.erase(rows_.begin() + index);
   Reindex(index);
-  if (batch_ == 0) {
-    endRemoveRows();
-  } else {
-    batchDirty_ = true;
-  }
+  if (batch_ == 0) endRemoveRows();
   return true;
 }
 
@@ -109,31 +95,22 @@ void RowModel::Clear() {
   if (batch_ == 0) beginResetModel();
   rows_.clear();
   index_.clear();
-  if (batch_ == 0) {
-    endResetModel();
-  } else {
-    batchDirty_ = true;
-  }
+  if (batch_ == 0) endResetModel();
 }
 
 void RowModel::Reindex(int from) {
-  // Rows after `from` moved: their entries are rebuilt (inserting at the
-  // front is the one common case, and happens once per opened conversation).
+  // Rows from `from` on moved: their entries are rebuilt (inserting at the
+  // front happens once per opened conversation, not per row).
   for (auto it = index_.begin(); it != index_.end();) {
     it = it->second >= from ? index_.erase(it) : std::next(it);
   }
   for (int i = from; i < static_cast<int>(rows_.size()); ++i) {
-    index_.try_emplace(KeyOf(rows_[i].userData), i);
-  }
-  // An earlier duplicate keeps its place; a later one may now be first.
-  for (int i = 0; i < from; ++i) {
-    auto it = index_.find(KeyOf(rows_[i].userData));
-    if (it != index_.end() && it->second > i) it->second = i;
+    index_.try_emplace(rows_[static_cast<size_t>(i)].userData, i);
   }
 }
 
-int RowModel::Find(const QString& userData) const {
-  auto it = index_.find(KeyOf(userData));
+int RowModel::Find(const WString& userData) const {
+  auto it = index_.find(userData);
   return it == index_.end() ? -1 : it->second;
 }
 
@@ -142,34 +119,40 @@ const RowModel::Row* RowModel::RowAt(int index) const {
   return &rows_[static_cast<size_t>(index)];
 }
 
-void RowModel::SetValue(int index, const RowSlot& slot, const QString& value) {
-  if (!RowAt(index)) return;
-  if (std::find(slots_.begin(), slots_.end(), slot) == slots_.end()) slots_.push_back(slot);
-  QString& stored = rows_[static_cast<size_t>(index)].values[Key(slot)];
-  if (stored == value) return;
-  stored = value;
+int RowModel::SlotOf(std::string_view control, std::string_view attribute) {
+  for (size_t i = 0; i < slots_.size(); ++i) {
+    if (slots_[i].control == control && slots_[i].attribute == attribute) {
+      return static_cast<int>(i);
+    }
+  }
+  slots_.push_back(Slot{std::string(control), std::string(attribute)});
+  return static_cast<int>(slots_.size() - 1);
+}
+
+void RowModel::SetValue(int index, int slot, const WString& value) {
+  if (!RowAt(index) || slot < 0) return;
+  std::vector<WString>& values = rows_[static_cast<size_t>(index)].values;
+  if (values.size() <= static_cast<size_t>(slot)) values.resize(slots_.size());
+  if (values[static_cast<size_t>(slot)] == value) return;
+  values[static_cast<size_t>(slot)] = value;
   Changed(index);
 }
 
-QString RowModel::Value(int index, const RowSlot& slot) const {
+const WString& RowModel::Value(int index, int slot) const {
+  static const WString kEmpty;
   const Row* row = RowAt(index);
-  return row ? row->values.value(Key(slot)) : QString();
+  if (!row || slot < 0 || static_cast<size_t>(slot) >= row->values.size()) return kEmpty;
+  return row->values[static_cast<size_t>(slot)];
 }
 
 void RowModel::Changed(int index) {
-  if (batch_ > 0) {
-    batchDirty_ = true;
-    return;
-  }
+  if (batch_ > 0) return;  // the batch's reset repaints everything
   QModelIndex at = this->index(index);
   emit dataChanged(at, at);
 }
 
 void RowModel::BeginBatch() {
-  if (batch_++ == 0) {
-    batchDirty_ = false;
-    beginResetModel();
-  }
+  if (batch_++ == 0) beginResetModel();
 }
 
 void RowModel::EndBatch() {
@@ -201,11 +184,8 @@ bool RowListView::SetTemplate(const QString& skinFolder, const QString& skinFile
   stamp_->setProperty("im_skinFolder", skinFolder);
   stamp_->setProperty("im_stamp", true);
   stamp_->hide();
-  stampControls_.clear();
-  for (QWidget* w : stamp_->findChildren<QWidget*>()) {
-    if (IsNamedControl(w)) stampControls_.insert(w->objectName(), w);
-  }
-  stampControls_.insert(stamp_->objectName(), stamp_);
+  slotTargets_.clear();
+  shown_.clear();
   rowHeight_ = rowHeight > 0 ? rowHeight : stamp_->height();
   scheduleDelayedItemsLayout();
   return true;
@@ -215,18 +195,19 @@ QWidget* RowListView::BindStamp(int row, int width) {
   const RowModel::Row* data = model_->RowAt(row);
   if (!stamp_ || !data) return nullptr;
   boundRow_ = row;
-  Control root = MakeControl(stamp_);
-  root.SetUserData(ToW(data->userData));
-  for (const RowSlot& slot : model_->Slots()) {
-    QWidget* target = stampControls_.value(slot.control);
-    if (!target) continue;
-    Control control = MakeControl(target);
-    QString value = data->values.value(RowModel::Key(slot));
-    if (control.GetAttribute(slot.attribute.toStdString()) == ToW(value) &&
-        slot.attribute != QLatin1String("text")) {
-      continue;  // images are the slow part: applied only when they differ
-    }
-    control.SetAttribute(slot.attribute.toStdString(), ToW(value));
+  MakeControl(stamp_).SetUserData(data->userData);
+  const std::vector<RowModel::Slot>& valueSlots = model_->Slots();
+  for (size_t i = slotTargets_.size(); i < valueSlots.size(); ++i) {
+    Control found = MakeControl(stamp_).FindSubControl(valueSlots[i].control);
+    slotTargets_.push_back(WidgetOf(found));
+    shown_.emplace_back();
+  }
+  for (size_t i = 0; i < valueSlots.size(); ++i) {
+    if (!slotTargets_[i]) continue;
+    const WString& value = model_->Value(row, static_cast<int>(i));
+    if (shown_[i] == value) continue;  // unchanged from the last row drawn
+    shown_[i] = value;
+    MakeControl(slotTargets_[i]).SetAttribute(valueSlots[i].attribute, value);
   }
   QSize size(width, rowHeight_);
   if (stamp_->size() != size) stamp_->resize(size);

@@ -11,63 +11,62 @@
 // the controls it is given, as it would from a widget item.
 
 #include <QAbstractListModel>
-#include <QHash>
 #include <QListView>
 #include <QString>
-#include <QStringList>
 
+#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
-namespace ui::qt {
+#include "platform/strings.h"
 
-// One value slot of a row: a template control and an attribute ("text",
-// "userdata", "normalimage", ...).
-struct RowSlot {
-  QString control;
-  QString attribute;
-  bool operator==(const RowSlot&) const = default;
-};
+namespace ui::qt {
 
 class RowModel : public QAbstractListModel {
   Q_OBJECT
  public:
+  // A value slot of every row: a template control and one of its attributes
+  // ("text", "userdata", "normalimage", ...).
+  struct Slot {
+    std::string control;
+    std::string attribute;
+  };
   struct Row {
-    QString userData;
-    QHash<QString, QString> values;  // key: control + '\n' + attribute
+    WString userData;
+    std::vector<WString> values;  // by slot number; missing = empty
   };
 
   int rowCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
 
-  int Insert(int index, const QString& userData);  // -1 appends; returns the index
+  int Insert(int index, const WString& userData);  // -1 appends; returns the index
   bool Remove(int index);
   void Clear();
-  int Find(const QString& userData) const;
+  int Find(const WString& userData) const;
   const Row* RowAt(int index) const;
-  void SetValue(int index, const RowSlot& slot, const QString& value);
-  QString Value(int index, const RowSlot& slot) const;
-  // Every slot any row has set: binding a row resets the others' values.
-  const std::vector<RowSlot>& Slots() const { return slots_; }
+
+  // The slot's number, registered on first use.
+  int SlotOf(std::string_view control, std::string_view attribute);
+  const std::vector<Slot>& Slots() const { return slots_; }
+  void SetValue(int index, int slot, const WString& value);
+  const WString& Value(int index, int slot) const;
   // The control whose text names a row for screen readers.
-  void SetNameControl(const QString& control) { nameControl_ = control; }
+  void SetNameControl(std::string_view control) { nameSlot_ = SlotOf(control, "text"); }
 
   // Changes between BeginBatch and EndBatch reach the view once.
   void BeginBatch();
   void EndBatch();
-
-  static QString Key(const RowSlot& slot) { return slot.control + u'\n' + slot.attribute; }
 
  private:
   void Reindex(int from);
   void Changed(int index);
 
   std::vector<Row> rows_;
-  std::unordered_map<std::u16string, int> index_;  // user data -> first row with it
-  std::vector<RowSlot> slots_;
-  QString nameControl_;
+  std::unordered_map<WString, int> index_;  // user data -> first row with it
+  std::vector<Slot> slots_;
+  int nameSlot_ = -1;
   int batch_ = 0;
-  bool batchDirty_ = false;
 };
 
 class RowListView : public QListView {
@@ -101,7 +100,9 @@ class RowListView : public QListView {
  private:
   RowModel* model_;
   QWidget* stamp_ = nullptr;
-  QHash<QString, QWidget*> stampControls_;
+  // Per slot: the stamp's control and the value it shows now.
+  std::vector<QWidget*> slotTargets_;
+  std::vector<WString> shown_;
   int rowHeight_ = 40;
   int boundRow_ = -1;
 };

@@ -1,0 +1,84 @@
+// The chat window end to end, against the embedded engine: a message
+// arrives, its conversation goes to the top with a dot, opening it clears
+// the dot and the group is reported read.
+#include <gtest/gtest.h>
+
+#include "imsdk/engine_control.h"
+#include "imsdk/im_sdk.h"
+#include "service/chat_tools.h"
+#include "service/current_conversation.h"
+#include "service/module_counters.h"
+#include "store/chat_db.h"
+#include "tests/ui/test_window.h"
+#include "ui/main/im_wnd.h"
+#include "ui/port/chat_window_port.h"
+
+namespace {
+
+using ui::test::PumpUntil;
+
+class ChatWindowFlowTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    engine_.Reset();
+    for (const char* id : {"10001", "10002", "10003"}) {
+      imsdk::AccountOptions options;
+      options.nick = std::string("nick") + id;
+      ASSERT_TRUE(engine_.CreateAccount(id, options));
+    }
+    engine_.MakeFriends("10001", "10002");
+    service::Counters().initialised.store(0);
+    service::Counters().logged_in.store(0);
+    tools_.AttachWindow(&port_);
+    ASSERT_TRUE(window_.CreateChatWindow());
+    window_.ShowChat();
+  }
+  void TearDown() override {
+    TIMUninit();
+    tools_.AttachWindow(nullptr);
+    window_.DestroyChatWindow();
+    CChatDb::Instance().Close();
+    service::ForgetCurrentConversation();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  bool DotOn(int row) {
+    return !window_.Conversations().rows().Get(row, "ConverItem_logo", "normalimage").empty();
+  }
+
+  imsdk::EngineControl& engine_ = imsdk::EngineControl::Instance();
+  CChatTools tools_;
+  CIMWnd window_{tools_};
+  ui::ChatWindowPort port_{window_};
+};
+
+TEST_F(ChatWindowFlowTest, MessagesMarkAndRaiseConversationsAndOpeningAGroupReadsIt) {
+  std::string group = engine_.CreateGroup("10002", "图纸评审组", {"10001"});
+  ASSERT_FALSE(group.empty());
+  WString groupId = platform::Utf8ToUtf16(group);
+  ASSERT_TRUE(service::SignIn(tools_, u"10001", u"sig"));
+  ASSERT_TRUE(PumpUntil([&] { return engine_.SignedInAccount() == "10001"; }));
+  ui::RowList& rows = window_.Conversations().rows();
+  ASSERT_TRUE(PumpUntil([&] { return rows.Find(groupId) >= 0; }));
+
+  // A conversation already listed keeps its place and gets a dot.
+  ASSERT_EQ(engine_.SendText("10002", kTIMConv_Group, group, "请核对楼梯间"), 0);
+  ASSERT_TRUE(PumpUntil([&] { return DotOn(rows.Find(groupId)); }));
+  EXPECT_EQ(rows.Get(rows.Find(groupId), "ConverItem_description", "text"), u"请核对楼梯间");
+  EXPECT_GT(engine_.UnreadCount("10001", kTIMConv_Group, group), 0u);
+  // A new one comes in at the top (the conversation list, newest first).
+  ASSERT_EQ(engine_.SendText("10002", kTIMConv_C2C, "10001", "你好"), 0);
+  ASSERT_TRUE(PumpUntil([&] { return rows.Find(u"10002") == 0 && DotOn(0); }));
+
+  window_.Conversations().OpenConversation(groupId);
+  EXPECT_EQ(service::CurrentConvId(), groupId);
+  EXPECT_EQ(window_.FindControl("IMWnd_SessionName").GetText(), u"图纸评审组");
+  EXPECT_EQ(window_.FindControl("IMWnd_ChatModule").GetCurSel(), ui::main::kChatPage);
+  EXPECT_TRUE(PumpUntil([&] {
+    return engine_.UnreadCount("10001", kTIMConv_Group, group) == 0 && rows.Find(groupId) == 0 &&
+           !DotOn(0);
+  }));
+  EXPECT_FALSE(tools_.IsUnread(groupId));
+  EXPECT_TRUE(DotOn(rows.Find(u"10002")));
+}
+
+}  // namespace
