@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QTimer>
 
 #include <algorithm>
@@ -271,6 +272,47 @@ TEST_F(ImWndTest, AddMenuAtTheButtonOpensTheAddFriendDialogAfterReportingIt) {
   menu->findChild<QAbstractButton*>("Elem_Menu_AddFriend")->click();
   EXPECT_TRUE(PumpUntil([&] { return !usesWhenShown.empty() && !ShownTopLevel("AddFriendWnd"); }));
   EXPECT_EQ(usesWhenShown, std::vector<WString>{u"IM-AddFriend"});
+}
+
+}  // namespace
+
+namespace {
+
+void SendMouse(QWidget* target, QEvent::Type type, QPoint local, Qt::MouseButtons buttons) {
+  QPoint global = target->mapToGlobal(local);
+  QMouseEvent event(type, local, global, Qt::LeftButton, buttons, Qt::NoModifier);
+  QApplication::sendEvent(target, &event);
+}
+
+// As the toolkit delivers it: to the deepest widget under the point.
+void Drag(QWidget* widget, QPoint from, QPoint by) {
+  QWidget* target = widget->childAt(from) ? widget->childAt(from) : widget;
+  from = target->mapFrom(widget, from);
+  SendMouse(target, QEvent::MouseButtonPress, from, Qt::LeftButton);
+  SendMouse(target, QEvent::MouseMove, from + by, Qt::LeftButton);
+  SendMouse(target, QEvent::MouseButtonRelease, from + by, Qt::NoButton);
+}
+
+TEST_F(ImWndTest, TheTitleRowMovesTheWindowAndItsEdgesResizeIt) {
+  window_.MoveWindow(ui::Rect{100, 100, 1060, 780});
+  window_.ShowChat();
+  QWidget* title = ui::qt::WidgetOf(window_.FindControl("IMWnd_SessionName"));
+  Drag(title, QPoint(5, 5), QPoint(30, 20));
+  ui::Rect moved = window_.GetWindowRect();
+  EXPECT_EQ(moved.left, 130);
+  EXPECT_EQ(moved.top, 120);
+  EXPECT_EQ(moved.Width(), 960);
+
+  QWidget* search = ui::qt::WidgetOf(window_.FindControl("IMWnd_searchEdit"));
+  Drag(search, QPoint(20, 10), QPoint(50, 50));  // an edit takes the mouse itself
+  EXPECT_EQ(window_.GetWindowRect().left, 130);
+
+  QWidget* root = ui::qt::WidgetOf(window_.FindControl("IMWnd"));
+  Drag(root, QPoint(root->width() - 2, root->height() - 2), QPoint(40, 30));
+  ui::Rect grown = window_.GetWindowRect();
+  EXPECT_EQ(grown.Width(), 1000);
+  EXPECT_EQ(grown.Height(), 710);
+  EXPECT_EQ(window_.FindControl("ChatRecord").GetFixedHeight(), CIMWnd::ChatRecordHeight(710));
 }
 
 }  // namespace

@@ -133,6 +133,12 @@ void WindowImplBase::DragAcceptFiles(bool accept) {
   if (host_) host_->SetAcceptFiles(accept);
 }
 
+void WindowImplBase::SetCaption(int height, int border) {
+  if (!host_) return;
+  host_->frameDrag().SetCaptionHeight(height);
+  host_->frameDrag().SetSizingBorder(border);
+}
+
 platform::WindowHandle WindowImplBase::GetHWND() const {
   return host_ ? host_->handle() : platform::WindowHandle::kNone;
 }

@@ -92,6 +92,10 @@ class WindowImplBase {
   void DragAcceptFiles(bool accept);
 
   platform::WindowHandle GetHWND() const;
+  // A frameless window is moved by dragging its caption (the top `height`
+  // pixels, outside controls that take the mouse) and resized from a
+  // `border` pixels wide sizing frame (0: not resizable).
+  void SetCaption(int height, int border);
   WindowImplBase* GetOwner() const { return owner_; }
 
   Control FindControl(std::string_view name) const;

@@ -105,6 +105,9 @@ void CIMWnd::MakePanes() {
 }
 
 void CIMWnd::Init() {
+  // Moved by its title row, resized from its edges, like the host's own
+  // captioned, sizable window.
+  SetCaption(kCaptionHeight, kSizingBorder);
   controls_.LookUp(*this);
   DragAcceptFiles(true);
   MakePanes();

@@ -56,6 +56,9 @@ class CIMWnd : public ui::WindowImplBase, public ui::main::ChatNavigator {
   static constexpr int kFriendsPage = ui::main::kFriendsPage;
   static constexpr int kNetworkDownPage = ui::main::kNetworkDownPage;
   static constexpr int kEmptyChatPage = ui::main::kEmptyChatPage;
+  // The title row (search box row and session name) and the sizing frame.
+  static constexpr int kCaptionHeight = 56;
+  static constexpr int kSizingBorder = 4;
   static constexpr unsigned kScrollToBottomTimer = 9996;
   static constexpr unsigned kScrollToTopTimer = 9997;
   static constexpr unsigned kScrollDelayMs = 50;

@@ -310,6 +310,7 @@ bool WindowHost::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool WindowHost::FilterInput(QWidget* widget, QEvent* event) {
+  if (frameDrag_.Filter(widget, event)) return true;
   switch (event->type()) {
     case QEvent::FocusIn:
     case QEvent::FocusOut:

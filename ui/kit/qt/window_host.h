@@ -12,6 +12,7 @@
 #include <QDialog>
 
 #include "platform/window_messages.h"
+#include "ui/kit/qt/frame_drag.h"
 #include "ui/kit/window_impl_base.h"
 
 class QDropEvent;
@@ -47,6 +48,8 @@ class WindowHost : public QDialog {
   bool detached() const { return window_ == nullptr; }
   bool busy() const { return busy_ > 0; }
   bool shuttingDown() const { return shuttingDown_; }
+
+  qt::FrameDrag& frameDrag() { return frameDrag_; }
 
   void SendNotify(QWidget* sender, std::string_view type, QPoint windowPos = {},
                   platform::WPARAM wParam = 0, platform::LPARAM lParam = 0);
@@ -94,6 +97,7 @@ class WindowHost : public QDialog {
   QSocketNotifier* wakeNotifier_ = nullptr;
   platform::WindowHandle handle_ = platform::WindowHandle::kNone;
   std::map<unsigned, QTimer*> timers_;
+  qt::FrameDrag frameDrag_{this};
   int busy_ = 0;
   bool shuttingDown_ = false;
   bool acceptFiles_ = false;
