@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QTimer>
 
@@ -313,6 +315,38 @@ TEST_F(ImWndTest, TheTitleRowMovesTheWindowAndItsEdgesResizeIt) {
   EXPECT_EQ(grown.Width(), 1000);
   EXPECT_EQ(grown.Height(), 710);
   EXPECT_EQ(window_.FindControl("ChatRecord").GetFixedHeight(), CIMWnd::ChatRecordHeight(710));
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(ImWndTest, EveryControlIsNamedForScreenReadersAndTheToolkitSpeaksChinese) {
+  QWidget* root = ui::qt::WidgetOf(window_.FindControl("IMWnd"));
+  int checked = 0;
+  for (QWidget* w : root->findChildren<QWidget*>()) {
+    if (!ui::qt::IsNamedControl(w)) continue;
+    auto* button = qobject_cast<QAbstractButton*>(w);
+    bool interactive =
+        button || qobject_cast<QLineEdit*>(w) || qobject_cast<QAbstractScrollArea*>(w);
+    // The row template only paints rows; the rows are named by the list.
+    bool inRowTemplate = false;
+    for (QWidget* p = w; p; p = p->parentWidget())
+      inRowTemplate |= p->property("im_stamp").toBool();
+    if (!interactive || inRowTemplate) continue;
+    ++checked;
+    bool readsItsText = button && !button->text().isEmpty();
+    EXPECT_TRUE(readsItsText || !w->accessibleName().isEmpty()) << w->objectName().toStdString();
+    if (button && button->text().isEmpty() && !button->toolTip().isEmpty()) {
+      EXPECT_EQ(w->accessibleName(), button->toolTip()) << w->objectName().toStdString();
+    }
+  }
+  EXPECT_GT(checked, 20);
+  EXPECT_EQ(ui::qt::WidgetOf(window_.FindControl("IMSetUp"))->accessibleName(), "设置");
+  EXPECT_FALSE(ui::qt::WidgetOf(window_.FindControl("IMWnd_SessionName"))
+                   ->accessibleDescription()
+                   .isEmpty());
+  EXPECT_NE(QLineEdit::tr("&Undo"), QStringLiteral("&Undo"));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "service/current_conversation.h"
 #include "service/named_mutexes.h"
 #include "ui/dialogs/chat_message_box.h"
+#include "ui/kit/toolkit_texts.h"
 #include "ui/main/chat_dialog_routes.h"
 #include "ui/main/friends_page.h"
 #include "ui/main/unread_dots.h"
@@ -52,6 +53,7 @@ bool CIMWnd::OnWindowThread() const {
 bool CIMWnd::CreateChatWindow() {
   if (IsCreated()) return false;
   windowThread_.store(std::this_thread::get_id());
+  ui::UseChineseToolkitTexts();
   if (!Create(nullptr, u"DUIWnd", ui::WindowStyle::kTopLevel)) {
     platform::Trace("CIMWnd: the skin IMWnd.xml could not be loaded");
     return false;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <QAbstractButton>
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDropEvent>
@@ -39,6 +40,23 @@ platform::WPARAM KeyCode(int key) {
 platform::LPARAM Modifiers(Qt::KeyboardModifiers m) {
   return (m & Qt::ControlModifier ? kKeyCtrl : 0) | (m & Qt::ShiftModifier ? kKeyShift : 0) |
          (m & Qt::AltModifier ? kKeyAlt : 0);
+}
+
+// What a screen reader calls a control the skin gave no name: an icon
+// button the words of its tooltip, an edit its placeholder, a list or rich
+// edit its control name. Buttons and labels with text are read by their text.
+void NameForScreenReaders(QWidget* w) {
+  if (!qt::IsNamedControl(w) || !w->accessibleName().isEmpty()) return;
+  auto* button = qobject_cast<QAbstractButton*>(w);
+  auto* edit = qobject_cast<QLineEdit*>(w);
+  if (!w->toolTip().isEmpty()) {
+    w->setAccessibleName(w->toolTip());
+  } else if (edit && !edit->placeholderText().isEmpty()) {
+    w->setAccessibleName(edit->placeholderText());
+  } else if ((button && button->text().isEmpty() && !button->icon().isNull()) || edit ||
+             qobject_cast<QAbstractScrollArea*>(w)) {
+    w->setAccessibleName(w->objectName());
+  }
 }
 
 // Mouse events bubble up to the parents; only the deepest widget acts.
@@ -130,6 +148,7 @@ void WindowHost::Wire(QWidget* root) {
     if (w->property("im_wired").toBool()) continue;
     w->setProperty("im_wired", true);
     w->installEventFilter(this);
+    NameForScreenReaders(w);
     if (auto* push = qobject_cast<QPushButton*>(w)) {
       push->setAutoDefault(false);  // Enter does not press buttons behind the user's back
       push->setDefault(false);
