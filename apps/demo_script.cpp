@@ -236,6 +236,33 @@ bool VisitFriendsPage(QWidget* window, const std::string& dataRoot,
   return SaveShot(window, dataRoot + "/friend-card.png", shots);
 }
 
+// Clicks the row of the conversation list that is named `name`, as a user
+// would; false when there is no such row.
+bool OpenConversationNamed(QWidget* window, const QString& name) {
+  auto* list = window->findChild<QAbstractItemView*>(QStringLiteral("ConversationList"));
+  if (list == nullptr) return false;
+  for (int row = 0; row < list->model()->rowCount(); ++row) {
+    QModelIndex index = list->model()->index(row, 0);
+    if (index.data(Qt::AccessibleTextRole).toString() != name) continue;
+    list->scrollTo(index);
+    QPoint at = list->visualRect(index).center();
+    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+      QMouseEvent click(type, at, list->viewport()->mapToGlobal(at), Qt::LeftButton,
+                        type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+                        Qt::NoModifier);
+      QApplication::sendEvent(list->viewport(), &click);
+    }
+    return true;
+  }
+  return false;
+}
+
+bool SaveScreenshot(QWidget* window, const std::string& path) {
+  if (window != nullptr && window->grab().save(QString::fromStdString(path))) return true;
+  Say("Could not write the screenshot %s.", path);
+  return false;
+}
+
 }  // namespace
 
 QWidget* FindChatWindow() {
@@ -319,11 +346,14 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
   Say("Pending friend request from 赵工 (10004) waits for the user.");
 
   QWidget* window = FindChatWindow();
-  const std::string chatShot = dataRoot + "/chat-window.png";
-  if (window == nullptr || !window->grab().save(QString::fromStdString(chatShot))) {
-    Say("Could not write the screenshot %s.", chatShot);
+  if (window == nullptr || !OpenConversationNamed(window, QStringLiteral("王工"))) {
+    Say("The conversation with 王工 is not in the conversation list.");
     return result;
   }
+  PumpUntil([] { return false; }, 300);  // the list redraws with 王工 on top
+  Say("Opened the conversation with 王工 from the conversation list.");
+  const std::string chatShot = dataRoot + "/chat-window.png";
+  if (!SaveScreenshot(window, chatShot)) return result;
   result.screenshots.push_back(chatShot);
 
   // The user looks for 赵工 by e-mail address, then opens the settings.

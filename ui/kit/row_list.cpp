@@ -96,7 +96,6 @@ void RowList::Select(int row) {
   QModelIndex index = view->rows()->index(row);
   if (index.isValid()) {
     view->setCurrentIndex(index);
-    view->scrollTo(index);
   } else {
     view->clearSelection();
     view->setCurrentIndex({});

@@ -46,7 +46,7 @@ class RowList {
   }
   WString Get(int row, std::string_view control, std::string_view attribute) const;
 
-  // The highlighted row (-1: none).
+  // The highlighted row (-1: none); the list does not scroll to it.
   void Select(int row);
   int GetCurSel() const;
   // The row a control of the template belongs to while a notification about

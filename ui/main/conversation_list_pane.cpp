@@ -53,14 +53,17 @@ void ConversationListPane::UpdateRencentConvList() {
   ChooseLeftPage();
   WString search = controls_.searchEdit.GetText();
   ConversationTimes times(clock_());
-  RowList::Batch batch(rows_);
-  rows_.RemoveAll();
-  for (const ConversationInfo_Stru& conv : source_.RecentConversations()) {
-    service::ConversationListSource::Picture picture =
-        source_.ConversationPicture(conv.conv_type, conv.conv_id);
-    if (!MatchesSearch(picture.name, search)) continue;
-    Fill(rows_.Add(conv.conv_id), conv, picture, times);
+  {
+    RowList::Batch batch(rows_);
+    rows_.RemoveAll();
+    for (const ConversationInfo_Stru& conv : source_.RecentConversations()) {
+      service::ConversationListSource::Picture picture =
+          source_.ConversationPicture(conv.conv_type, conv.conv_id);
+      if (!MatchesSearch(picture.name, search)) continue;
+      Fill(rows_.Add(conv.conv_id), conv, picture, times);
+    }
   }
+  rows_.Select(rows_.Find(service::CurrentConvId()));  // the open one stands out
 }
 
 void ConversationListPane::Fill(int row, const ConversationInfo_Stru& conv,
@@ -156,7 +159,7 @@ void ConversationListPane::DeleteOpenConversation() {
     service::SetCurrentPeerId(WString());
     source_.DeleteConversation(peer);
   }
-  controls_.chatModule.SelectItem(kEmptyChatPage);
+  ShowEmptyChatPage();
 }
 
 bool ConversationListPane::OpenSharedSession() {
@@ -168,13 +171,19 @@ bool ConversationListPane::OpenSharedSession() {
   return true;
 }
 
+void ConversationListPane::ShowEmptyChatPage() {
+  controls_.chatModule.SelectItem(kEmptyChatPage);
+  // No conversation's name above "选择一个会话开始聊天".
+  controls_.sessionName.SetText(WString());
+}
+
 void ConversationListPane::ShowConversationsPage() {
   controls_.searchEdit.SetText(WString());
   source_.RefreshConversations();
   SetDot(controls_.recentConverBtn, kPageButtonDot, false);
   SetPageButtonImages(controls_.recentConverBtn, controls_.friendsListBtn, true);
   controls_.tabs.SelectItem(source_.IsNetworkDown() ? kNetworkDownPage : kConversationsPage);
-  controls_.chatModule.SelectItem(kEmptyChatPage);
+  ShowEmptyChatPage();
   Post(platform::msg::kRecentConversationsChanged);
 }
 
@@ -185,7 +194,7 @@ void ConversationListPane::ShowFriendsPage() {
   Post(platform::msg::kFriendListChanged);
   SetDot(controls_.friendsListBtn, kPageButtonDot, false);
   controls_.tabs.SelectItem(source_.IsNetworkDown() ? kNetworkDownPage : kFriendsPage);
-  controls_.chatModule.SelectItem(kEmptyChatPage);
+  ShowEmptyChatPage();
 }
 
 }  // namespace ui::main

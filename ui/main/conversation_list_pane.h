@@ -74,6 +74,7 @@ class ConversationListPane {
   void FillPicture(int row, const WString& convId, const WString& path);
   void FillSummary(int row, const ConversationInfo_Stru& conv, const ConversationTimes& times);
   void ChooseLeftPage();
+  void ShowEmptyChatPage();
   void Post(unsigned msg, WPARAM wParam = 0);
 
   WindowImplBase& window_;

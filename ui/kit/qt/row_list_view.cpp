@@ -34,14 +34,17 @@ class StampDelegate : public QStyledItemDelegate {
     }
     QWidget* stamp = view_->BindStamp(index.row(), option.rect.width());
     if (!stamp) return;
-    // Drawn into a pixmap first: QWidget::render straight into the painter of
-    // a view inside a window shifts the row by the view's place in the window.
+    // Drawn into a buffer first: rendering a widget straight into another
+    // widget's painter places it by the widgets' own positions.
     qreal ratio = painter->device()->devicePixelRatioF();
-    QPixmap row(option.rect.size() * ratio);
-    row.setDevicePixelRatio(ratio);
-    row.fill(Qt::transparent);
-    stamp->render(&row, QPoint(), QRegion(), QWidget::DrawChildren);
-    painter->drawPixmap(option.rect.topLeft(), row);
+    QSize pixels = option.rect.size() * ratio;
+    if (buffer_.size() != pixels) {
+      buffer_ = QPixmap(pixels);
+      buffer_.setDevicePixelRatio(ratio);
+    }
+    buffer_.fill(Qt::transparent);
+    stamp->render(&buffer_, QPoint(), QRegion(), QWidget::DrawChildren);
+    painter->drawPixmap(option.rect.topLeft(), buffer_);
   }
 
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override {
@@ -50,6 +53,7 @@ class StampDelegate : public QStyledItemDelegate {
 
  private:
   RowListView* view_;
+  mutable QPixmap buffer_;
 };
 
 }  // namespace
