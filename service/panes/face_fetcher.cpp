@@ -55,11 +55,12 @@ void FaceFetcher::Run() {
     Job job = std::move(queue_.front());
     queue_.pop_front();
     lock.unlock();
-    // A failed download keeps the default picture; the next rebuild tries again.
-    bool arrived = FaceFileExists(job.path) || DownloadFace(job.url, job.path);
-    if (arrived)
+    // A picture already there was announced by the job that fetched it; a
+    // failed download keeps the default picture (the next rebuild asks again).
+    if (!FaceFileExists(job.path) && DownloadFace(job.url, job.path)) {
       PostOwned(window_(context_), platform::msg::kConversationLogoChanged,
                 std::make_unique<WString>(job.convId));
+    }
     lock.lock();
     pending_.erase(job.path);
     if (pending_.empty()) idle_.notify_all();

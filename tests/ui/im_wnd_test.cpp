@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QTimer>
 
@@ -347,6 +348,60 @@ TEST_F(ImWndTest, EveryControlIsNamedForScreenReadersAndTheToolkitSpeaksChinese)
                    ->accessibleDescription()
                    .isEmpty());
   EXPECT_NE(QLineEdit::tr("&Undo"), QStringLiteral("&Undo"));
+}
+
+}  // namespace
+
+namespace {
+
+QMenu* ShownMenu() {
+  return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+}
+
+QStringList MenuTexts(QMenu* menu) {
+  QStringList texts;
+  if (menu) {
+    for (QAction* action : menu->actions()) texts << action->text();
+  }
+  return texts;
+}
+
+TEST_F(ImWndTest, ContextMenusByWhereTheRightClickWasAndTheAddDialogsReportTheirUse) {
+  ShowAt(680);
+  ui::Control friends = window_.FindControl("FriendsList");
+  ui::Control friendItem = window_.CreateFromSkin("friend_list_item.xml");
+  ui::Control groupItem = window_.CreateFromSkin("group_list_item.xml");
+  ASSERT_TRUE(friends.Add(friendItem) && friends.Add(groupItem));
+  auto rightClick = [&](const ui::Control& control) {
+    window_.SendNotify(control, ui::kNotifyRButtonUp);
+    return MenuTexts(ShownMenu());
+  };
+  EXPECT_TRUE(rightClick(groupItem).isEmpty());  // built, never shown
+  EXPECT_TRUE(rightClick(window_.FindControl("ChatWindow_SendrichEdit")).isEmpty());
+  EXPECT_EQ(rightClick(friendItem.FindSubControl("friend_list_nickname")),
+            (QStringList{"发送消息", "删除好友"}));
+  ShownMenu()->close();
+  EXPECT_EQ(rightClick(window_.FindControl("ConversationList")), QStringList{"删除会话"});
+
+  // "删除会话" acts on the open conversation: with none open, only the empty page.
+  window_.FindControl("IMWnd_ChatModule").SelectItem(0);
+  ShownMenu()->actions()[0]->trigger();
+  ShownMenu()->close();
+  EXPECT_TRUE(PumpUntil([&] { return ChatPage() == CIMWnd::kEmptyChatPage; }));
+
+  host::local::LocalHost host("space");
+  host.Install();
+  platform::PostMessage(port_.ChatWindow(), platform::msg::kOpenAddFriend, 0, 0);
+  window_.SendMessage(ui::kWmCommand, CIMWnd::kCmdCreateGroup);
+  EXPECT_TRUE(PumpUntil([&] {
+    int reported = 0;
+    for (const host::local::HostCall& call : host.Calls()) {
+      reported += call.name == "RecordFeatureUse" &&
+                  (call.args == "IM-AddFriend" || call.args == "IM-CreateGroup");
+    }
+    return reported == 2;
+  }));
+  host.Uninstall();
 }
 
 }  // namespace
