@@ -73,7 +73,6 @@ class ConversationListPane {
             const ConversationTimes& times);
   void FillPicture(int row, const WString& convId, const WString& path);
   void FillSummary(int row, const ConversationInfo_Stru& conv, const ConversationTimes& times);
-  void ChooseLeftPage();
   void ShowEmptyChatPage();
   void Post(unsigned msg, WPARAM wParam = 0);
 
