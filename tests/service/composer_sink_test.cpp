@@ -45,6 +45,9 @@ TEST_F(ComposerSinkTest, SendsEachKindIntoTheOpenConversationAndNothingWithoutOn
   EXPECT_EQ(elem(1)["image_elem_orig_path"].asString(), "/pictures/a.png");
   EXPECT_EQ(elem(2)["file_elem_file_name"].asString(), file.filename().string());
   EXPECT_EQ(elem(2)["file_elem_file_size"].asInt64(), 1234);
+  // The three results free the ids the SDK was handed.
+  EXPECT_TRUE(
+      PumpUntil([&] { return CountSeen(platform::msg::kTransferStateChanged) >= calls.size(); }));
   // Pasted pictures wait beside the user's other caches.
   EXPECT_EQ(std::filesystem::path(platform::Utf16ToUtf8(sink.PastedPictureFolder())).filename(),
             "send");
