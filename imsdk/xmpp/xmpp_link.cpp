@@ -3,6 +3,7 @@
 #include <pthread.h>
 #include <signal.h>
 
+#include <condition_variable>
 #include <cstdlib>
 #include <cstring>
 
@@ -31,9 +32,32 @@ void InitialiseLibraryOnce() {
 
 // libstrophe's SHA-1 keeps its workspace in a static buffer, so two
 // connections of one process must not authenticate at the same time: a
-// sign-in holds this gate until the stream is ready or has failed.
-std::timed_mutex& LoginGate() {
-  static std::timed_mutex gate;
+// sign-in holds this gate until the stream is ready or has failed. Not a
+// mutex: the thread that releases it need not be the one that took it.
+class SignInGate {
+ public:
+  bool try_lock_for(std::chrono::milliseconds limit) {
+    std::unique_lock lock(mutex_);
+    if (!free_.wait_for(lock, limit, [this] { return !taken_; })) return false;
+    taken_ = true;
+    return true;
+  }
+  void unlock() {
+    {
+      std::lock_guard lock(mutex_);
+      taken_ = false;
+    }
+    free_.notify_one();
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable free_;
+  bool taken_ = false;
+};
+
+SignInGate& LoginGate() {
+  static SignInGate gate;
   return gate;
 }
 
