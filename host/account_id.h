@@ -10,7 +10,7 @@
 namespace host {
 
 // The account behind an IM user id; none when the id is not a decimal
-// number that fits (at most nine digits, so never negative).
+// number that fits the host's 32-bit id (up to 2,147,483,647).
 std::optional<int32_t> AccountIdOfImUser(const WString& imUserId);
 
 }  // namespace host

@@ -15,10 +15,11 @@ struct OwnerTransferRequest {
 };
 
 enum class OwnerTransferResult {
-  kNoNewOwner,   // nothing asked of the host
-  kUnavailable,  // no service or signed out: traced only
-  kRefused,      // the host's pre-check said no (its reason is traced)
-  kCancelled,    // the user did not confirm
+  kNoNewOwner,        // nothing asked of the host
+  kUnavailable,       // no service or signed out: traced only
+  kGroupQueryFailed,  // the group or the new owner's membership could not be looked up
+  kRefused,           // the host's pre-check said no (its reason is traced)
+  kCancelled,         // the user did not confirm
   kHostFailed,
   kDone,
 };

@@ -71,9 +71,9 @@ IM_EXPORT int DisplayIm(intptr_t, intptr_t, const ImRect* rect) {
 
 IM_EXPORT int MoveIm(const ImRect* rect) {
   if (!ShownWindow() || rect == nullptr) return 0;
-  auto copy = std::make_unique<ui::Rect>(ToRect(*rect));
-  bool queued = service::PostOwned(module::MainWindow().GetHWND(), platform::msg::kMoveWindow,
-                                   std::move(copy));
+  service::WindowRect copy{rect->left, rect->top, rect->right, rect->bottom};
+  bool queued = service::PostPayload<platform::msg::kMoveWindow>(module::MainWindow().GetHWND(),
+                                                                 service::kNoSession, copy);
   return queued ? 1 : 0;
 }
 

@@ -2,8 +2,6 @@
 // accessors shared by every concern.
 #include "service/chat_tools.h"
 
-#include <algorithm>
-
 #include "platform/trace.h"
 #include "service/callback_owner.h"
 #include "service/current_conversation.h"
@@ -36,7 +34,9 @@ NoWindow& NoWindowPort() {
 
 }  // namespace
 
-CChatTools::CChatTools() = default;
+CChatTools::CChatTools() : CChatTools(CChatDb::Instance()) {}
+
+CChatTools::CChatTools(CChatDb& store) : store_(store) {}
 
 namespace service {
 
@@ -73,141 +73,97 @@ platform::WindowHandle CChatTools::ChatWindow() const {
 }
 
 WString CChatTools::UserId() const {
-  std::lock_guard lock(cache_mutex_);
-  return user_id_;
+  return session_.UserId();
 }
 
 void CChatTools::ClearResource() {
   platform::Trace("ClearResource enter!!!!!!");
-  {
-    std::lock_guard lock(cache_mutex_);
-    unread_events_ = 0;
-    conv_list_count_ = 0;
-    recent_.clear();
-    conversations_.clear();
-    new_messages_.clear();
-    unread_.clear();
-    groups_.clear();
-    host_groups_.clear();
-    joined_groups_known_ = false;
-    group_members_.clear();
-    friends_.clear();
-    profiles_.clear();
-    pending_requests_.clear();
-    pendency_seq_ = 0;
-    user_id_.clear();
-    first_list_flag_ = 1;
-    first_list_companion_ = 0;
-  }
-  {
-    std::lock_guard lock(download_mutex_);
-    downloads_.clear();
-  }
-  {
-    std::lock_guard lock(send_mutex_);
-    pending_sends_.clear();
-  }
-  // The open conversation belongs to the signed-out user as well.
-  service::ForgetCurrentConversation();
-  CChatDb& db = CChatDb::Instance();
-  if (db.IsOpen()) db.Close();
+  session_.End();
   platform::Trace("ClearResource exit!!!!!!");
 }
 
+void CChatTools::ClearCaches() {
+  recent_.Clear();
+  groups_.Clear();
+  friends_.Clear();
+  sends_.Clear();
+  downloads_.Clear();
+  // The open conversation belongs to the signed-out user as well.
+  service::ForgetCurrentConversation();
+  if (store_.IsOpen()) store_.Close();
+}
+
 bool CChatTools::IsFirstConvList() const {
-  std::lock_guard lock(cache_mutex_);
-  return first_list_flag_ != 0;
+  return recent_.IsFirstList();
 }
 
 std::vector<RecentConversation> CChatTools::RecentConversations() const {
-  std::lock_guard lock(cache_mutex_);
-  return {recent_.begin(), recent_.end()};
+  return recent_.List();
 }
 
 size_t CChatTools::RecentCount() const {
-  std::lock_guard lock(cache_mutex_);
-  return recent_.size();
+  return recent_.Count();
 }
 
 size_t CChatTools::ConversationCount() const {
-  std::lock_guard lock(cache_mutex_);
-  return conversations_.size();
+  return recent_.ConversationCount();
 }
 
 bool CChatTools::HasConversation(const WString& convId) const {
-  std::lock_guard lock(cache_mutex_);
-  return conversations_.count(convId) != 0;
+  return recent_.Has(convId);
 }
 
 std::optional<ConversationInfo_Stru> CChatTools::FindConversation(const WString& convId) const {
-  std::lock_guard lock(cache_mutex_);
-  auto it = conversations_.find(convId);
-  if (it == conversations_.end()) return std::nullopt;
-  return it->second;
+  return recent_.Find(convId);
 }
 
 void CChatTools::AppendConversationMessage(const WString& convId, const MessageStru& message) {
-  std::lock_guard lock(cache_mutex_);
-  ConversationInfo_Stru& conv = conversations_[convId];
-  conv.conv_id = convId;
-  conv.conv_type = message.conv_type;
-  conv.has_last_msg = true;
-  conv.last_msg = message;
-  new_messages_[convId].push_back(message);
+  recent_.AppendMessage(convId, message);
 }
 
 bool CChatTools::IsUnread(const WString& convId) const {
-  std::lock_guard lock(cache_mutex_);
-  return unread_.count(convId) != 0;
+  return recent_.IsUnread(convId);
 }
 
 void CChatTools::SetUnread(const WString& convId, bool unread) {
-  std::lock_guard lock(cache_mutex_);
-  if (unread) {
-    unread_.insert(convId);
-  } else {
-    unread_.erase(convId);
-  }
+  recent_.SetUnread(convId, unread);
 }
 
 std::set<WString> CChatTools::UnreadIds() const {
-  std::lock_guard lock(cache_mutex_);
-  return unread_;
+  return recent_.UnreadIds();
 }
 
 size_t CChatTools::NewMessageCount(const WString& convId) const {
-  std::lock_guard lock(cache_mutex_);
-  auto it = new_messages_.find(convId);
-  return it == new_messages_.end() ? 0 : it->second.size();
+  return recent_.NewMessageCount(convId);
 }
 
 std::vector<MessageStru> CChatTools::TakeNewMessages(const WString& convId, size_t max) {
-  std::lock_guard lock(cache_mutex_);
-  auto it = new_messages_.find(convId);
-  if (it == new_messages_.end()) return {};
-  std::vector<MessageStru>& cached = it->second;
-  size_t count = std::min(max, cached.size());
-  std::vector<MessageStru> taken(std::make_move_iterator(cached.begin()),
-                                 std::make_move_iterator(cached.begin() + count));
-  cached.erase(cached.begin(), cached.begin() + count);
-  if (cached.empty()) new_messages_.erase(it);
-  return taken;
+  return recent_.TakeNewMessages(convId, max);
 }
 
 std::vector<FriendsList_Stru> CChatTools::Friends() const {
-  std::lock_guard lock(cache_mutex_);
-  return friends_;
+  return friends_.Friends();
 }
 
 std::optional<FriendsList_Stru> CChatTools::FindFriend(const WString& id) const {
-  std::lock_guard lock(cache_mutex_);
-  for (const FriendsList_Stru& f : friends_) {
-    if (f.identifier == id) return f;
-  }
-  return std::nullopt;
+  return friends_.FindFriend(id);
 }
 
 WString CChatTools::FriendDisplayName(const FriendsList_Stru& friendRecord) {
   if (!friendRecord.remark.empty()) return friendRecord.remark;
   return friendRecord.profile.nick_name;
+}
+
+uint32_t CChatTools::NextLocalId() {
+  return sends_.NextLocalId();
+}
+
+std::optional<MessageStru> CChatTools::FindPendingSend(uint32_t localId) const {
+  return sends_.Find(localId);
+}
+
+std::vector<MessageStru> CChatTools::StoredMessages(const WString& convId, int limit) const {
+  std::vector<MessageStru> rows;
+  store_.QueryCurrentConvMsg(convId, UserId(), limit, rows);
+  return rows;
 }

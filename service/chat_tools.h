@@ -4,16 +4,21 @@
 // shared caches and hands results to the chat window by posting window
 // messages (numbers in platform/window_messages.h).
 //
+// It is the face of parts with one job each (service/parts/): the recent
+// conversations, the group directory, the friend directory, the pending
+// sends and the downloads, each with its own lock; and the session
+// (service/session.h), which knows who is signed in and stamps every payload
+// posted to the window, so that what an ended session left in flight is
+// dropped.
+//
 // Threads. SDK callbacks run on the SDK's callback thread; they copy what
 // they are given and post it to the window, which hands it back here on its
-// own thread (DispatchSdkEvent, OnMsgListArrived ...). A few callbacks act
-// where they run: the login result, the group tips (groups reloaded from the
-// host), kicked offline (logout), the network status and the download
-// result. Every cache below is therefore guarded by cache_mutex_; readers get
-// copies. Lock order: "RencentConvData" before cache_mutex_. No SDK call and
-// no WindowPort call is made while cache_mutex_ is held (a TIMLogout on the
-// window thread waits for running callbacks, and the port may wait for the
-// window thread).
+// own thread (DispatchSdkEvent, OnMsgListArrived ...) with the payload's
+// session stamp. A few callbacks act where they run: the login result, the
+// group tips (groups reloaded from the host), kicked offline (logout), the
+// network status and the download result. No part lock is held across an
+// SDK call or a WindowPort call (a TIMLogout on the window thread waits for
+// running callbacks, and the port may wait for the window thread).
 
 #include <atomic>
 #include <cstdint>
@@ -37,9 +42,18 @@
 #include "records/group_records.h"
 #include "records/message_records.h"
 #include "records/profile_records.h"
+#include "service/parts/downloads.h"
+#include "service/parts/friend_directory.h"
+#include "service/parts/group_directory.h"
+#include "service/parts/pending_sends.h"
+#include "service/parts/recent_conversations.h"
 #include "service/sdk_event_record.h"
 #include "service/service_records.h"
+#include "service/session.h"
+#include "service/window_payloads.h"
 #include "service/window_port.h"
+
+class CChatDb;
 
 class CChatTools {
  public:
@@ -50,7 +64,9 @@ class CChatTools {
   // Most entries the message view takes from the new-message cache at once.
   static constexpr size_t kNewMessagesPerRefresh = 30;
 
+  // The store is the process-wide one unless a test hands in another.
   CChatTools();
+  explicit CChatTools(CChatDb& store);
   // Unregisters the SDK event callbacks that still point at this object.
   ~CChatTools();
   CChatTools(const CChatTools&) = delete;
@@ -70,9 +86,17 @@ class CChatTools {
   void Init();
   // True when TIMLogin accepted the request; the result arrives in TIMLoginFunc.
   bool Login(WString userId, WString userSig);
-  // Empties every cache, forgets the user and closes the local store.
+  // Empties every cache, forgets the user and closes the local store; the
+  // session ends, and payloads still in flight for it will be dropped.
   void ClearResource();
   WString UserId() const;
+  // The session payloads are stamped with now, and whether a stamp is current.
+  service::SessionStamp CurrentSession() const { return session_.Stamp(); }
+  bool IsCurrentSession(service::SessionStamp stamp) const { return session_.IsCurrent(stamp); }
+  // The signed-in user's folders (database, faces, downloads), fixed when
+  // the sign-in was accepted.
+  service::SessionFolders Folders() const { return session_.Folders(); }
+  service::StampedFolders CurrentFolders() const { return session_.StampAndFolders(); }
 
   static void TIMLoginFunc(int32_t code, const char* desc, const char* json, void* user);
   static void TIMLogoutFunc(int32_t code, const char* desc, const char* json, void* user);
@@ -107,9 +131,10 @@ class CChatTools {
   static void TIMGroupGetJoinedGroupListFunc(int32_t code, const char* desc, const char* json,
                                              void* user);
 
-  // Window thread, message 3024: acts on the record by kind. The window owns
-  // and frees the record, and posts 3184 when recent_list_flag is set after.
-  void DispatchSdkEvent(SdkEventRecord& record);
+  // Window thread, message 3024: acts on the record by kind, unless its
+  // session has ended. The window owns and frees the record, and posts 3184
+  // when recent_list_flag is set after.
+  void DispatchSdkEvent(SdkEventRecord& record, service::SessionStamp session);
 
   // The last status the SDK reported (TIMNetworkStatus); any thread.
   uint32_t NetworkStatus() const { return network_status_.load(); }
@@ -117,19 +142,23 @@ class CChatTools {
   // ===== Receiving, history, downloads ======================================
   // The answer arrives as 3196 (heap UTF-8 JSON) for OnMsgListArrived.
   void GetMsgList(const WString& convId, uint32_t convType, uint32_t count);
-  // Window thread, message 3196.
-  void OnMsgListArrived(std::unique_ptr<std::string> json);
+  // Window thread, message 3196: a history page, newest first.
+  void OnMsgListArrived(std::string json, service::SessionStamp session);
   // `pushed` is the record's second flag byte: drawing-sync instructions are
   // acted on only for pushed messages.
   bool ParseMsgData(const std::string& text, uint8_t pushed, std::vector<MessageStru>& out);
-  // Window thread: the new-message path shared by pushed and fetched messages.
+  // Window thread: the new-message path shared by pushed and fetched
+  // messages (for the current session, or for `session` when it still is).
   void OnRecvNewMsg(const SdkEventRecord* record);
+  void OnRecvNewMsg(const SdkEventRecord* record, service::SessionStamp session);
   void ReportReaded(const WString& convId, uint32_t convType);
   // `elemParam` is an element's download parameter; the result is posted as
   // 3164 with `requestKey` (at once, or 50 ms later for pictures).
   void DownloadMessageElem(const WString& elemParam, const WString& path, uint32_t requestKey);
   std::optional<DownloadState> GetDownloadState(uint32_t requestKey) const;
 
+  // Up to `limit` stored messages of the signed-in user's conversation, newest first.
+  std::vector<MessageStru> StoredMessages(const WString& convId, int limit) const;
   // The new-message cache: messages received and not yet shown.
   size_t NewMessageCount(const WString& convId) const;
   // Removes and returns up to `max` of the oldest cached messages of the conversation.
@@ -237,9 +266,8 @@ class CChatTools {
   uint32_t NextLocalId();
   // A send by local id: sending (1), sent (2) or failed (3); a placeholder is
   // 1 until its drawing is sent. Settled sends stay findable for a while
-  // (kSettledSendsKept) so that the window can read them on 3164.
+  // (service::PendingSends::kSettledKept) so that the window can read them on 3164.
   std::optional<MessageStru> FindPendingSend(uint32_t localId) const;
-  static constexpr size_t kSettledSendsKept = 256;
   static void TIMMsgSendNewMsgFunc(int32_t code, const char* desc, const char* json, void* user);
   static void TIMSetMsgElemUploadProgressCallbackFunc(const char* json, uint32_t index,
                                                       uint32_t curSize, uint32_t totalSize,
@@ -266,7 +294,7 @@ class CChatTools {
   // Window thread, SdkEventRecord of kind 1.
   void OnFriendAddRequest(const SdkEventRecord& record);
   // Window thread, 3197: the ids (UTF-8 JSON array) leave the friend cache.
-  void OnFriendsDeleted(std::unique_ptr<std::string> json);
+  void OnFriendsDeleted(const std::string& json, service::SessionStamp session);
   std::vector<PendingFriendRequest> PendingRequests() const;
   uint64_t PendencySequence() const;
   std::optional<UserProfile> FindProfile(const WString& id) const;
@@ -287,72 +315,38 @@ class CChatTools {
   void InitSdk();
   void RegisterSdkCallbacks();
   void RegisterHostCallbacks();
-  void OnLoginSucceeded();
-  void OpenDatabase();
+  void OnLoginSucceeded(service::SessionStamp session);
+  void OpenDatabase(service::SessionStamp session);
+  // What ClearResource and the start of a session empty (under the session's lock).
+  void ClearCaches();
 
   // Receiving pieces.
-  void CheckDrawingSync(std::vector<MessageStru>& messages);
-  void HandleGroupEvents(const MessageStru& message);
-  void StoreReminder(const MessageStru& context, const WString& text);
+  void ReceiveMessages(const SdkEventRecord& record, service::SessionStamp session);
+  void CheckDrawingSync(std::vector<MessageStru>& messages, service::SessionStamp session);
+  void HandleGroupEvents(const MessageStru& message, service::SessionStamp session);
+  void StoreReminder(const MessageStru& context, const WString& text,
+                     service::SessionStamp session);
+  // `notify`: flash the host window for a peer's message; `pushed`: not
+  // fetched history (counted unread, the unread dot redrawn).
   void AcceptConversationMessages(const WString& convId, uint32_t convType,
-                                  std::vector<MessageStru> messages, bool notify);
+                                  std::vector<MessageStru> messages, bool notify, bool pushed,
+                                  service::SessionStamp session);
 
   // Conversation pieces.
-  bool IsKnownGroupLocked(const WString& groupId) const;
+  void DealConvList(const std::string& json, service::SessionStamp session);
   void UnregisterSdkCallbacks();
 
   // Groups.
-  void ReplaceSdkGroups(std::vector<GroupInfo> groups);
-  void RebuildGroupMapLocked();
+  void LoadHostGroups(service::SessionStamp session);
   static void TIMGroupActionFunc(int32_t code, const char* desc, const char* json, void* user);
   void FollowUpGroupAction(const host::GroupActionRequest& request, const GroupDetail& group);
+  bool CreateImGroup(const WString& name, const CloudMemberList& members,
+                     const CloudGroupInfo& created);
 
   static CChatTools* From(void* user) { return static_cast<CChatTools*>(user); }
 
-  std::atomic<service::WindowPort*> window_{nullptr};
-  std::atomic<uint32_t> network_status_{0};
-  std::atomic<bool> callbacks_registered_{false};
-
-  mutable std::recursive_mutex cache_mutex_;
-  // --- guarded by cache_mutex_ ---
-  WString user_id_;
-  std::list<RecentConversation> recent_;  // also under "RencentConvData" for removal
-  std::map<WString, ConversationInfo_Stru> conversations_;    // the conversation set
-  std::map<WString, std::vector<MessageStru>> new_messages_;  // not yet shown
-  std::set<WString> unread_;
-  uint32_t unread_events_ = 0;    // counter: new-message batches since sign-in
-  uint32_t conv_list_count_ = 0;  // counter: conversation lists handled since sign-in
-  uint32_t first_list_flag_ = 1;
-  uint32_t first_list_companion_ = 0;
-  std::map<WString, GroupInfo> groups_;  // the group map: SDK and host groups together
-  std::vector<GroupInfo> sdk_groups_;
-  std::vector<CloudGroupInfo> host_groups_;
-  bool joined_groups_known_ = false;  // a joined-group list has arrived
-  std::map<WString, std::vector<GroupMemberInfo_Stru>> group_members_;
-  std::vector<FriendsList_Stru> friends_;
-  std::map<WString, UserProfile> profiles_;
-  std::vector<PendingFriendRequest> pending_requests_;
-  uint64_t pendency_seq_ = 0;
-
-  mutable std::mutex download_mutex_;
-  std::map<uint32_t, DownloadState> downloads_;
-
-  // --- second part of the layer: sending ---
-  mutable std::mutex send_mutex_;
-  std::map<uint32_t, MessageStru> pending_sends_;
-  uint32_t last_local_id_ = 0;
-
-  // ===== Sending, friendship, drawing sync: private part =====
-  // Send bookkeeping (pending_sends.cpp), all under send_mutex_.
-  uint32_t NextLocalIdLocked();
-  uint32_t RegisterPendingSend(MessageStru& pending, bool* tookOverPlaceholder);
-  void RegisterPlaceholder(MessageStru& placeholder);
-  // The call was refused: a fresh entry goes, a taken-over placeholder fails.
-  bool AbandonPendingSend(uint32_t localId, bool wasPlaceholder);
-  std::optional<MessageStru> SettlePendingSend(uint32_t localId, int32_t code);
-  void RememberSettledLocked(uint32_t localId);
-  void SetSentUniqueId(uint32_t localId, uint64_t uniqueId);
   // Sending pieces (sending*.cpp).
+  void HandleSendResult(uint32_t localId, const service::SendResult& result);
   void AddSendFailureNotice(const MessageStru& failed, const WString& text);
   MessageStru StoredSentMessage(const std::string& resultJson, const MessageStru& pending) const;
   // Friendship results (friendship_callbacks.cpp).
@@ -368,13 +362,21 @@ class CChatTools {
                                          void* user);
   void OnPendencyPage(const std::string& json, unsigned notice);
   void OnUserProfiles(const std::string& json);
+  void UpdateFriendList(const std::string& json, service::SessionStamp session);
+  void OnFriendAddRequest(const SdkEventRecord& record, service::SessionStamp session);
   static void SendChatDrawingMsgFunc(int32_t code, const char* desc, const char* json, void* user);
 
-  // Ids of placeholders not yet sent, and settled sends oldest first.
-  std::set<uint32_t> placeholder_ids_;
-  std::list<uint32_t> settled_ids_;
-  // Held by SendMsg from registering a send until the message is in the
-  // conversation's list; the result callback passes it first, so a failure
-  // notice never lands before its message.
-  std::mutex send_order_mutex_;
+  CChatDb& store_;
+  std::atomic<service::WindowPort*> window_{nullptr};
+  std::atomic<uint32_t> network_status_{0};
+  std::atomic<bool> callbacks_registered_{false};
+
+  // The parts, each with its own lock.
+  service::RecentConversations recent_;
+  service::GroupDirectory groups_;
+  service::FriendDirectory friends_;
+  service::PendingSends sends_;
+  service::Downloads downloads_;
+  // Last: its start and end empty the parts above.
+  service::Session session_{[this] { ClearCaches(); }};
 };

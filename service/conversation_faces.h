@@ -27,8 +27,9 @@ struct ConversationFace {
 ConversationFace LookUpConversationFace(const CChatTools& tools, uint32_t convType,
                                         const WString& convId);
 
-// The cache file of a picture URL, or empty when there is no face folder.
-WString FaceCachePath(const WString& faceUrl);
+// The cache file of a picture URL in `faceFolder` (the signed-in user's,
+// CChatTools::Folders), or empty when there is no URL or no folder.
+WString FaceCachePath(const WString& faceFolder, const WString& faceUrl);
 bool FaceFileExists(const WString& path);
 // The host's download into `path` (blocking); false and traced on failure.
 bool DownloadFace(const WString& faceUrl, const WString& path);

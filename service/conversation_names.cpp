@@ -9,6 +9,7 @@
 #include "platform/trace.h"
 #include "service/chat_tools.h"
 #include "service/conversation_faces.h"
+#include "service/sdk_text.h"
 
 namespace service {
 namespace {
@@ -37,10 +38,9 @@ WString FaceFileName(const WString& url) {
 
 }  // namespace
 
-WString FaceCachePath(const WString& faceUrl) {
-  if (faceUrl.empty()) return {};
-  WString folder = platform::DataFolders::Instance().GetFacePath();
-  return folder.empty() ? WString() : platform::JoinPath(folder, FaceFileName(faceUrl));
+WString FaceCachePath(const WString& faceFolder, const WString& faceUrl) {
+  if (faceUrl.empty() || faceFolder.empty()) return {};
+  return platform::JoinPath(faceFolder, FaceFileName(faceUrl));
 }
 
 bool FaceFileExists(const WString& path) {
@@ -61,7 +61,7 @@ bool DownloadFace(const WString& faceUrl, const WString& path) {
 ConversationFace LookUpConversationFace(const CChatTools& tools, uint32_t convType,
                                         const WString& convId) {
   ConversationFace face;
-  if (convType == 2) {
+  if (convType == kConvGroup) {
     std::optional<GroupInfo> group = tools.FindGroup(convId);
     face.defaultImage = kGroupDefaultImage;
     if (group) {
@@ -94,11 +94,11 @@ ConversationFace LookUpConversationFace(const CChatTools& tools, uint32_t convTy
 
 WString CChatTools::GetConvNickName(uint32_t convType, const WString& convId) {
   platform::Trace("CChatTools::GetConvNickName!!!!!!");
-  if (convType == 2) {
+  if (convType == kConvGroup) {
     std::optional<GroupInfo> group = FindGroup(convId);
     return group ? group->name : WString();
   }
-  if (convType == 1) {
+  if (convType == kConvC2C) {
     std::optional<FriendsList_Stru> found = FindFriend(convId);
     return found ? FriendDisplayName(*found) : WString();
   }
@@ -107,25 +107,21 @@ WString CChatTools::GetConvNickName(uint32_t convType, const WString& convId) {
 
 uint32_t CChatTools::GetCurrenConvType(const WString& convId) {
   platform::Trace("GetCurrenConvType enter!!!!!!");
-  {
-    std::lock_guard lock(cache_mutex_);
-    // Friends first: an id that is both counts as one-to-one.
-    for (const FriendsList_Stru& f : friends_) {
-      if (f.identifier == convId) return 1;
-    }
-    for (const CloudGroupInfo& group : host_groups_) {
-      if (group.imGroupId == convId) return 2;
-    }
-    // Groups the SDK reports count as well, so that a group keeps its type
-    // while the host cannot be asked.
-    if (groups_.count(convId) != 0) return 2;
+  // Friends first: an id that is both counts as one-to-one.
+  if (friends_.FindFriend(convId)) return kConvC2C;
+  for (const CloudGroupInfo& group : groups_.HostGroups()) {
+    if (group.imGroupId == convId) return kConvGroup;
   }
+  // Groups the SDK reports count as well, so that a group keeps its type
+  // while the host cannot be asked.
+  if (groups_.IsJoined(convId)) return kConvGroup;
   platform::Trace("GetCurrenConvType exit!!!!!!");
-  return 0;
+  return kConvNone;
 }
 
 WString CChatTools::FacePathFor(const WString& faceUrl, const WString& fallback) {
-  WString path = service::FaceCachePath(faceUrl);
+  // The signed-in user's face folder; signed out there is none.
+  WString path = service::FaceCachePath(Folders().face, faceUrl);
   if (path.empty()) return fallback;
   if (service::FaceFileExists(path) || service::DownloadFace(faceUrl, path)) return path;
   return fallback;
@@ -133,18 +129,17 @@ WString CChatTools::FacePathFor(const WString& faceUrl, const WString& fallback)
 
 void CChatTools::GetConvImage(uint32_t convType, const WString& convId, WString& imagePath,
                               WString& name) {
-  platform::Trace("GetConvImage enter!!!!!!");
+  service::EnterExitTrace trace("GetConvImage");
   service::ConversationFace face = service::LookUpConversationFace(*this, convType, convId);
   name = face.name;
   imagePath = FacePathFor(face.faceUrl, face.defaultImage);
-  platform::Trace("GetConvImage exit!!!!!!");
 }
 
 void CChatTools::ProvideRecentConversations(std::vector<RecentConversationEntry>* list) {
   if (list == nullptr) return;
   for (const RecentConversation& recent : RecentConversations()) {
     uint32_t type = recent.info.conv_type;
-    if (type != 1 && type != 2) continue;
+    if (!IsChatConversation(type)) continue;
     RecentConversationEntry entry;
     WString image;
     GetConvImage(type, recent.info.conv_id, image, entry.displayName);

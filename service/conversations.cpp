@@ -57,93 +57,59 @@ int CChatTools::RequestConvList() {
 }
 
 void CChatTools::AddRecentConvID(const WString& convId, uint32_t convType) {
-  platform::Trace("AddRecentConvID enter!!!!!!");
-  bool added = false;
-  {
-    std::lock_guard lock(cache_mutex_);
-    bool present = false;
-    for (const RecentConversation& recent : recent_)
-      present = present || recent.info.conv_id == convId;
-    if (!present) {
-      RecentConversation record;
-      record.info.conv_id = convId;
-      record.info.conv_type = convType;
-      record.opened = 1;
-      record.listed = 1;
-      recent_.push_back(std::move(record));
-      added = true;
-    }
+  service::EnterExitTrace trace("AddRecentConvID");
+  if (recent_.AddRecent(convId, convType)) {
+    service::Post<platform::msg::kRecentConversationsChanged>(ChatWindow());
   }
-  if (added) service::Post(ChatWindow(), platform::msg::kRecentConversationsChanged);
-  platform::Trace("AddRecentConvID exit!!!!!!");
 }
 
 void CChatTools::DeleteConv(WString convId) {
-  platform::Trace("DeleteConv enter!!!!!!");
+  service::EnterExitTrace trace("DeleteConv");
   {
     service::RecentConvDataLock guard;
-    std::optional<uint32_t> type;
-    {
-      std::lock_guard lock(cache_mutex_);
-      for (auto it = recent_.begin(); it != recent_.end(); ++it) {
-        if (it->info.conv_id != convId) continue;
-        type = it->info.conv_type;
-        recent_.erase(it);
-        break;
-      }
-    }
     // The record goes from the list even when the SDK refuses the deletion.
-    if (type) Require_TIMConvDel(convId, *type);
+    if (std::optional<uint32_t> type = recent_.RemoveRecent(convId)) {
+      Require_TIMConvDel(convId, *type);
+    }
   }
-  service::Post(ChatWindow(), platform::msg::kRecentConversationsChanged);
-  platform::Trace("DeleteConv exit!!!!!!");
+  service::Post<platform::msg::kRecentConversationsChanged>(ChatWindow());
 }
 
 std::optional<RecentConversation> CChatTools::TakeRecentConv(const WString& convId) {
   service::RecentConvDataLock guard;
-  std::lock_guard lock(cache_mutex_);
-  for (auto it = recent_.begin(); it != recent_.end(); ++it) {
-    if (it->info.conv_id != convId) continue;
-    RecentConversation taken = std::move(*it);
-    recent_.erase(it);
-    return taken;
-  }
-  return std::nullopt;
+  return recent_.TakeRecent(convId);
 }
 
 void CChatTools::InsertRecentConvFront(RecentConversation record) {
-  std::lock_guard lock(cache_mutex_);
-  recent_.push_front(std::move(record));
+  recent_.InsertRecentFront(std::move(record));
 }
 
 void CChatTools::DealConvListFunc(const std::string& json) {
-  platform::Trace("DealConvListFunc enter!!!!!!");
+  DealConvList(json, CurrentSession());
+}
+
+void CChatTools::DealConvList(const std::string& json, service::SessionStamp session) {
+  service::EnterExitTrace trace("DealConvListFunc");
   std::vector<ConversationInfo_Stru> list;
   if (!records::ParseConversationArray(json, list)) {
     platform::Trace("解析json数据错误！error:%s", "conversation list is not a JSON array");
     return;
   }
-  WString self = UserId();
+  const WString self = UserId();
   std::vector<RecentConversation> rebuilt;
-  std::vector<ConversationInfo_Stru> lastMessages;
+  std::vector<ConversationInfo_Stru> withLastMessage;
   std::vector<WString> notJoined;
   for (ConversationInfo_Stru& conv : list) {
-    if (conv.conv_type != 1 && conv.conv_type != 2) continue;
-    bool joined = true;
-    if (conv.conv_type == 2) {
-      std::lock_guard lock(cache_mutex_);
-      joined = IsKnownGroupLocked(conv.conv_id);
-    }
-    if (!joined) {
+    if (!IsChatConversation(conv.conv_type)) continue;
+    if (conv.conv_type == kConvGroup && !groups_.MayBeJoined(conv.conv_id)) {
       notJoined.push_back(conv.conv_id);
       continue;
     }
     if (conv.has_last_msg) {
-      lastMessages.push_back(conv);
+      withLastMessage.push_back(conv);
     } else {
       std::vector<MessageStru> newest;
-      if (CChatDb::Instance().QueryCurrentConvMsg(conv.conv_id, self, 1, newest) &&
-          !newest.empty()) {
+      if (store_.QueryCurrentConvMsg(conv.conv_id, self, 1, newest) && !newest.empty()) {
         conv.last_msg = std::move(newest.front());
         conv.active_time = conv.last_msg.server_time;
       }
@@ -152,19 +118,11 @@ void CChatTools::DealConvListFunc(const std::string& json) {
     record.info = std::move(conv);
     rebuilt.push_back(std::move(record));
   }
-  for (const WString& groupId : notJoined) {
-    Require_TIMConvDel(groupId, 2);
-    CChatDb::Instance().RunSql(self, groupId);
-  }
-  {
-    std::lock_guard lock(cache_mutex_);
-    // Rebuilt from each list, never merged.
-    recent_.assign(std::make_move_iterator(rebuilt.begin()),
-                   std::make_move_iterator(rebuilt.end()));
-    for (ConversationInfo_Stru& conv : lastMessages) conversations_[conv.conv_id] = std::move(conv);
-    ++conv_list_count_;
-    if (!recent_.empty()) first_list_flag_ = 0;
-  }
-  service::Post(ChatWindow(), platform::msg::kRecentConversationsChanged);
-  platform::Trace("DealConvListFunc exit!!!!!!");
+  const bool current = session_.WhileCurrent(session, [&] {
+    for (const WString& groupId : notJoined) store_.RunSql(self, groupId);
+    recent_.ReplaceRecent(std::move(rebuilt), std::move(withLastMessage));
+  });
+  if (!current) return;
+  for (const WString& groupId : notJoined) Require_TIMConvDel(groupId, kConvGroup);
+  service::Post<platform::msg::kRecentConversationsChanged>(ChatWindow());
 }

@@ -16,14 +16,6 @@ namespace {
 
 constexpr auto kPictureSettleDelay = std::chrono::milliseconds(50);
 
-bool ParseObject(std::string_view text, Json::Value& out) {
-  return platform::ParseJsonText(text, out) && out.isObject();
-}
-
-uint64_t SizeOf(const Json::Value& value) {
-  return value.isUInt64() ? value.asUInt64() : 0;
-}
-
 void* KeyToUserData(uint32_t key) {
   return reinterpret_cast<void*>(static_cast<uintptr_t>(key));
 }
@@ -35,32 +27,26 @@ uint32_t UserDataToKey(void* user) {
 
 void CChatTools::DownloadMessageElem(const WString& elemParam, const WString& path,
                                      uint32_t requestKey) {
-  platform::Trace("DownloadMessageElem enter!!!!!!");
+  service::EnterExitTrace trace("DownloadMessageElem");
   std::string param = platform::Utf16ToUtf8(elemParam);
   std::string target = platform::Utf16ToUtf8(path);
   DownloadState state;
   Json::Value json;
-  if (ParseObject(param, json) && json["msg_download_elem_param_type"].isIntegral()) {
+  if (platform::ParseJsonText(param, json) && json.isObject() &&
+      json["msg_download_elem_param_type"].isIntegral()) {
     state.elem_type = json["msg_download_elem_param_type"].asInt();
   }
   state.path = path;
-  {
-    std::lock_guard lock(download_mutex_);
-    downloads_[requestKey] = state;
-  }
+  downloads_.Start(requestKey, std::move(state));
   service::IdCallbackOwner().store(this);
   int ret = TIMMsgDownloadElemToPath(param.c_str(), target.c_str(),
                                      &CChatTools::TIMMsgDownloadFileElemToPathFunc,
                                      KeyToUserData(requestKey));
   if (ret != 0) platform::Trace("File download failed! ret:%d", ret);
-  platform::Trace("DownloadMessageElem exit!!!!!!");
 }
 
 std::optional<DownloadState> CChatTools::GetDownloadState(uint32_t requestKey) const {
-  std::lock_guard lock(download_mutex_);
-  auto it = downloads_.find(requestKey);
-  if (it == downloads_.end()) return std::nullopt;
-  return it->second;
+  return downloads_.Find(requestKey);
 }
 
 void CChatTools::TIMMsgDownloadFileElemToPathFunc(int32_t code, const char* desc, const char* json,
@@ -68,30 +54,17 @@ void CChatTools::TIMMsgDownloadFileElemToPathFunc(int32_t code, const char* desc
   uint32_t key = UserDataToKey(user);
   CChatTools* self = service::IdCallbackOwner().load();
   if (self == nullptr) return;
-  bool delayed = false;
-  {
-    std::lock_guard lock(self->download_mutex_);
-    auto it = self->downloads_.find(key);
-    if (it == self->downloads_.end()) return;
-    if (code != 0) {
-      platform::Trace("File download failed! code:%u ,desc:%s ,json_param:%s",
-                      static_cast<unsigned>(code), service::OrEmpty(desc), service::OrEmpty(json));
-      return;
-    }
-    DownloadState& state = it->second;
-    Json::Value result;
-    if (ParseObject(service::OrEmpty(json), result)) {
-      state.current_size = SizeOf(result["msg_download_elem_result_current_size"]);
-      state.total_size = SizeOf(result["msg_download_elem_result_total_size"]);
-    }
-    state.downloaded = 1;
-    if (state.elem_type == kElemVideo) state.secondary_status = state.downloaded;
-    delayed = state.elem_type == kElemImage ||
-              (state.elem_type == kElemVideo && state.secondary_status != 2);
+  if (code != 0) {
+    platform::Trace("File download failed! code:%u ,desc:%s ,json_param:%s",
+                    static_cast<unsigned>(code), service::OrEmpty(desc), service::OrEmpty(json));
+    return;
   }
+  std::optional<bool> delayed = self->downloads_.Complete(key, service::OrEmpty(json));
+  if (!delayed) return;
   platform::WindowHandle window = self->ChatWindow();
-  if (!delayed) {
-    service::Post(window, platform::msg::kTransferStateChanged, key);
+  namespace msg = platform::msg;
+  if (!*delayed) {
+    service::Post<msg::kTransferStateChanged>(window, key);
     return;
   }
   // Give the file on disk a moment to be complete before the view loads it.
@@ -99,7 +72,7 @@ void CChatTools::TIMMsgDownloadFileElemToPathFunc(int32_t code, const char* desc
   // when the module stops meanwhile, the window is going and gets nothing.
   platform::ModuleWorkers::Instance().Start([window, key](std::stop_token stop) {
     if (platform::SleepUnlessStopped(stop, kPictureSettleDelay)) {
-      service::Post(window, platform::msg::kTransferStateChanged, key);
+      service::Post<msg::kTransferStateChanged>(window, key);
     }
   });
 }

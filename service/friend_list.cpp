@@ -23,16 +23,18 @@ int CChatTools::RequestFriendList() {
 }
 
 void CChatTools::UpdateFriendList(const std::string& json) {
+  UpdateFriendList(json, CurrentSession());
+}
+
+void CChatTools::UpdateFriendList(const std::string& json, service::SessionStamp session) {
   std::vector<FriendsList_Stru> friends;
   if (!records::ParseFriendArray(json, friends)) {
     platform::Trace("解析json数据错误！error:%s", "friend list is not a JSON array");
     return;
   }
-  {
-    std::lock_guard lock(cache_mutex_);
-    friends_ = std::move(friends);
+  if (session_.WhileCurrent(session, [&] { friends_.ReplaceFriends(std::move(friends)); })) {
+    service::Post<platform::msg::kFriendListChanged>(ChatWindow());
   }
-  service::Post(ChatWindow(), platform::msg::kFriendListChanged);
 }
 
 int CChatTools::ModifySelfAddPermission() {

@@ -30,9 +30,9 @@ int CChatTools::AddFriend(const WString& id, const WString& source, const WStrin
 int CChatTools::RequestPendencyList(int variant) {
   Json::Value param;
   param["friendship_get_pendency_list_param_type"] = 0;
-  param["friendship_get_pendency_list_param_start_seq"] = Json::UInt64(PendencySequence());
-  TIMCommCallback done =
-      variant == 2 ? &CChatTools::PendencyListFunc2 : &CChatTools::PendencyListFunc1;
+  param["friendship_get_pendency_list_param_start_seq"] = Json::UInt64(friends_.PendencySequence());
+  TIMCommCallback done = variant == kPendencyListRefresh ? &CChatTools::PendencyListFunc2
+                                                         : &CChatTools::PendencyListFunc1;
   int ret = TIMFriendshipGetPendencyList(service::CompactText(param).c_str(), done, this);
   if (ret != 0) platform::Trace("获取好友添加请求未决信息 失败!!! ret:%d", ret);
   return ret;
@@ -63,8 +63,7 @@ int CChatTools::DeleteFriend(const WString& id) {
     platform::Trace("删除好友 失败!!! ret:%d", ret);
     return ret;
   }
-  std::lock_guard lock(cache_mutex_);
-  std::erase_if(friends_, [&](const FriendsList_Stru& f) { return f.identifier == id; });
+  friends_.RemoveFriends({id});
   return ret;
 }
 

@@ -62,33 +62,10 @@ void CChatTools::OnPendencyPage(const std::string& json, unsigned notice) {
   PendencyPage page;
   records::ParsePendencyPage(root, page);
   std::vector<WString> unknown;
-  {
-    std::lock_guard lock(cache_mutex_);
-    // The page replaces the list; requests the user accepted stay, marked, so
-    // that the list can show them as added.
-    std::vector<PendingFriendRequest> requests;
-    for (FriendAddPendency& pendency : page.pendencies) {
-      PendingFriendRequest request;
-      request.pendency = std::move(pendency);
-      requests.push_back(std::move(request));
-    }
-    for (const PendingFriendRequest& old : pending_requests_) {
-      if (!old.handled) continue;
-      auto same = std::find_if(requests.begin(), requests.end(), [&](const auto& r) {
-        return r.pendency.identifier == old.pendency.identifier;
-      });
-      if (same != requests.end()) {
-        same->handled = true;
-      } else {
-        requests.push_back(old);
-      }
-    }
-    pending_requests_ = std::move(requests);
-    pendency_seq_ = page.current_seq;
-    for (const PendingFriendRequest& request : pending_requests_) {
-      const WString& id = request.pendency.identifier;
-      if (!id.empty() && profiles_.count(id) == 0) unknown.push_back(id);
-    }
+  const service::SessionStamp session = CurrentSession();
+  if (!session_.WhileCurrent(session,
+                             [&] { unknown = friends_.ReplaceRequests(std::move(page)); })) {
+    return;
   }
   // The list shows the requesters' pictures.
   if (!unknown.empty()) RequestUserProfiles(unknown);
@@ -131,12 +108,7 @@ void CChatTools::OnUserProfiles(const std::string& json) {
     platform::Trace("解析json数据错误！error:%s", "profile list is not a JSON array");
     return;
   }
-  std::lock_guard lock(cache_mutex_);
-  for (UserProfile& profile : profiles) {
-    if (profile.identifier.empty()) continue;
-    WString id = profile.identifier;
-    profiles_[id] = std::move(profile);
-  }
+  session_.WhileCurrent(CurrentSession(), [&] { friends_.StoreProfiles(std::move(profiles)); });
 }
 
 void CChatTools::HandleFriendAddRequestFunc(int32_t code, const char* desc, const char* json,
@@ -148,23 +120,24 @@ void CChatTools::HandleFriendAddRequestFunc(int32_t code, const char* desc, cons
                     OrEmpty(desc), OrEmpty(json));
   }
   if (user == nullptr) return;
-  auto result = std::make_unique<FriendRequestResult>();
-  result->code = code;
-  result->desc = platform::Utf8ToUtf16(OrEmpty(desc));
+  FriendRequestResult result;
+  result.code = code;
+  result.desc = platform::Utf8ToUtf16(OrEmpty(desc));
   Json::Value entry;
   if (records::ParseJsonText(OrEmpty(json), entry) && entry.isObject()) {
     records::GuardRecord("FriendRequestResult", [&] {
-      records::Read(entry, "friend_result_identifier", result->identifier);
+      records::Read(entry, "friend_result_identifier", result.identifier);
       int32_t entryCode = 0;
       records::Read(entry, "friend_result_code", entryCode);
-      if (code == 0) result->code = entryCode;
+      if (code == 0) result.code = entryCode;
       WString entryDesc;
       records::Read(entry, "friend_result_desc", entryDesc);
-      if (!entryDesc.empty()) result->desc = entryDesc;
+      if (!entryDesc.empty()) result.desc = entryDesc;
     });
   } else if (json != nullptr && *json != '\0') {
     platform::Trace("解析json数据错误！error:%s", "friend request result is not a JSON object");
   }
-  service::PostOwned(From(user)->ChatWindow(), platform::msg::kFriendRequestHandled,
-                     std::move(result));
+  CChatTools& self = *From(user);
+  service::PostPayload<platform::msg::kFriendRequestHandled>(
+      self.ChatWindow(), self.CurrentSession(), std::move(result));
 }

@@ -9,6 +9,7 @@
 #include "records/profile_parser.h"
 #include "service/chat_tools.h"
 #include "service/posting.h"
+#include "service/sdk_text.h"
 #include "store/chat_db.h"
 
 void CChatTools::AgreeToAddFriends(PendingFriendRequest* record) {
@@ -16,13 +17,8 @@ void CChatTools::AgreeToAddFriends(PendingFriendRequest* record) {
   if (record != nullptr &&
       HandleFriendAddRequest(record->pendency.identifier, WString(), WString()) == 0) {
     record->handled = true;
-    {
-      std::lock_guard lock(cache_mutex_);
-      for (PendingFriendRequest& cached : pending_requests_) {
-        if (cached.pendency.identifier == record->pendency.identifier) cached.handled = true;
-      }
-    }
-    service::Post(ChatWindow(), platform::msg::kFriendRequestAccepted);
+    friends_.MarkAccepted(record->pendency.identifier);
+    service::Post<platform::msg::kFriendRequestAccepted>(ChatWindow());
   }
   platform::Trace("AgreeToAddFriends exit!!!!!!");
 }
@@ -32,18 +28,21 @@ void CChatTools::FriendList_DeleteFriend(const WString& id) {
   if (DeleteFriend(id) == 0) {
     // The user was told that the chat history goes with the friend.
     DeleteConv(id);
-    CChatDb::Instance().RunSql(UserId(), id);
-    service::Post(ChatWindow(), platform::msg::kFriendListChanged);
+    store_.RunSql(UserId(), id);
+    service::Post<platform::msg::kFriendListChanged>(ChatWindow());
   }
   platform::Trace("FriendList_DeleteFriend exit!!!!!!");
 }
 
 void CChatTools::OnFriendAddRequest(const SdkEventRecord& record) {
-  platform::Trace("OnFriendAddRequest in");
+  OnFriendAddRequest(record, CurrentSession());
+}
+
+void CChatTools::OnFriendAddRequest(const SdkEventRecord& record, service::SessionStamp session) {
+  service::TracedScope trace("OnFriendAddRequest in", "OnFriendAddRequest out");
   Json::Value root;
   if (!records::ParseJsonText(record.text, root) || !root.isArray()) {
     platform::Trace("解析json数据错误！error:%s", "friend add request is not a JSON array");
-    platform::Trace("OnFriendAddRequest out");
     return;
   }
   std::vector<WString> requesters;
@@ -52,16 +51,17 @@ void CChatTools::OnFriendAddRequest(const SdkEventRecord& record) {
     records::ParseFriendAddPendency(entry, pendency);
     if (!pendency.identifier.empty()) requesters.push_back(pendency.identifier);
   }
+  // The refresh this asks for must show the new request: it starts from the
+  // newest again, not past the page the list showed last.
+  if (!session_.WhileCurrent(session, [&] { friends_.RestartPaging(); })) return;
   if (!requesters.empty()) RequestUserProfiles(requesters);
-  service::Post(ChatWindow(), platform::msg::kFriendRequestsChanged);
-  platform::Trace("OnFriendAddRequest out");
+  service::Post<platform::msg::kFriendRequestsChanged>(ChatWindow());
 }
 
-void CChatTools::OnFriendsDeleted(std::unique_ptr<std::string> json) {
-  if (json == nullptr) return;
+void CChatTools::OnFriendsDeleted(const std::string& json, service::SessionStamp session) {
   std::vector<WString> ids;
   Json::Value root;
-  if (!records::ParseJsonText(*json, root) || !root.isArray() ||
+  if (!records::ParseJsonText(json, root) || !root.isArray() ||
       !records::GuardRecord("FriendIdArray", [&] {
         for (const Json::Value& entry : root) {
           WString id;
@@ -72,32 +72,22 @@ void CChatTools::OnFriendsDeleted(std::unique_ptr<std::string> json) {
     platform::Trace("解析json数据错误！error:%s", "deleted friends are not a JSON array of ids");
     return;
   }
-  {
-    std::lock_guard lock(cache_mutex_);
-    std::erase_if(friends_, [&](const FriendsList_Stru& f) {
-      return std::find(ids.begin(), ids.end(), f.identifier) != ids.end();
-    });
+  if (session_.WhileCurrent(session, [&] { friends_.RemoveFriends(ids); })) {
+    service::Post<platform::msg::kFriendListChanged>(ChatWindow());
   }
-  service::Post(ChatWindow(), platform::msg::kFriendListChanged);
 }
 
 std::vector<PendingFriendRequest> CChatTools::PendingRequests() const {
-  std::lock_guard lock(cache_mutex_);
-  return pending_requests_;
+  return friends_.Requests();
 }
 
 uint64_t CChatTools::PendencySequence() const {
-  std::lock_guard lock(cache_mutex_);
-  return pendency_seq_;
+  return friends_.PendencySequence();
 }
 
 std::optional<UserProfile> CChatTools::FindProfile(const WString& id) const {
-  std::lock_guard lock(cache_mutex_);
-  auto it = profiles_.find(id);
-  if (it == profiles_.end()) return std::nullopt;
-  return it->second;
+  return friends_.FindProfile(id);
 }
-
 WString CChatTools::PersonName(const WString& id) const {
   if (std::optional<FriendsList_Stru> found = FindFriend(id)) {
     WString name = FriendDisplayName(*found);

@@ -4,6 +4,7 @@
 #include <json/json.h>
 
 #include "host/host_access.h"
+#include "host/host_texts.h"
 #include "imsdk/im_sdk.h"
 #include "platform/json_text.h"
 #include "platform/trace.h"
@@ -50,19 +51,19 @@ Json::Value IdArray(const CloudMemberList& members) {
 }  // namespace
 
 void CChatTools::LoadHostGroups() {
+  LoadHostGroups(CurrentSession());
+}
+
+void CChatTools::LoadHostGroups(service::SessionStamp session) {
   HostCloudService* cloud = host::AcquireCloudService("CChatTools::LoadHostGroups");
   CloudGroupList groups;
   if (cloud == nullptr || !cloud->GetJoinedGroups(groups)) {
     platform::Trace("获取已加入群组列表 失败!!! host");
     return;
   }
-  {
-    std::lock_guard lock(cache_mutex_);
-    host_groups_ = std::move(groups);
-    joined_groups_known_ = true;
-    RebuildGroupMapLocked();
+  if (session_.WhileCurrent(session, [&] { groups_.ReplaceHostGroups(std::move(groups)); })) {
+    service::Post<platform::msg::kGroupListChanged>(ChatWindow());
   }
-  service::Post(ChatWindow(), platform::msg::kGroupListChanged);
 }
 
 int CChatTools::RequestJoinedGroupList() {
@@ -78,70 +79,36 @@ int CChatTools::RequestJoinedGroupList() {
 
 void CChatTools::TIMGroupGetJoinedGroupListFunc(int32_t code, const char* desc, const char* json,
                                                 void* user) {
-  platform::Trace("TIMGroupGetJoinedGroupListFunc enter!!!!!!");
+  service::EnterExitTrace trace("TIMGroupGetJoinedGroupListFunc");
   if (code != 0) {
     platform::Trace("获取已加入群组列表 失败!!! code:%u ,desc:%s ,json_param:%s",
                     static_cast<unsigned>(code), OrEmpty(desc), OrEmpty(json));
-  } else if (user != nullptr) {
-    std::vector<GroupInfo> groups;
-    if (ParseJoinedGroups(json, groups)) From(user)->ReplaceSdkGroups(std::move(groups));
+    return;
   }
-  platform::Trace("TIMGroupGetJoinedGroupListFunc exit!!!!!!");
-}
-
-void CChatTools::ReplaceSdkGroups(std::vector<GroupInfo> groups) {
-  {
-    std::lock_guard lock(cache_mutex_);
-    sdk_groups_ = std::move(groups);
-    joined_groups_known_ = true;
-    RebuildGroupMapLocked();
-  }
-  service::Post(ChatWindow(), platform::msg::kGroupListChanged);
-}
-
-void CChatTools::RebuildGroupMapLocked() {
-  // The SDK knows names and owners as they are now; the host adds its cloud
-  // ids and fills what the SDK did not report.
-  groups_.clear();
-  for (const GroupInfo& group : sdk_groups_) groups_[group.group_id] = group;
-  for (const CloudGroupInfo& cloud : host_groups_) {
-    if (cloud.imGroupId.empty()) continue;
-    GroupInfo& group = groups_[cloud.imGroupId];
-    group.group_id = cloud.imGroupId;
-    group.cloud_group_id = cloud.cloudGroupId;
-    if (group.name.empty()) group.name = cloud.name;
-    if (group.face_url.empty()) group.face_url = cloud.avatarUrl;
+  if (user == nullptr) return;
+  std::vector<GroupInfo> groups;
+  if (!ParseJoinedGroups(json, groups)) return;
+  CChatTools& self = *From(user);
+  if (self.session_.WhileCurrent(self.CurrentSession(),
+                                 [&] { self.groups_.ReplaceSdkGroups(std::move(groups)); })) {
+    service::Post<platform::msg::kGroupListChanged>(self.ChatWindow());
   }
 }
 
 std::vector<GroupInfo> CChatTools::Groups() const {
-  std::lock_guard lock(cache_mutex_);
-  std::vector<GroupInfo> groups;
-  for (const auto& [id, group] : groups_) groups.push_back(group);
-  return groups;
+  return groups_.All();
 }
 
 std::optional<GroupInfo> CChatTools::FindGroup(const WString& groupId) const {
-  std::lock_guard lock(cache_mutex_);
-  auto it = groups_.find(groupId);
-  if (it == groups_.end()) return std::nullopt;
-  return it->second;
+  return groups_.Find(groupId);
 }
 
 std::vector<CloudGroupInfo> CChatTools::HostGroups() const {
-  std::lock_guard lock(cache_mutex_);
-  return host_groups_;
+  return groups_.HostGroups();
 }
 
 bool CChatTools::IsJoinedGroup(const WString& groupId) const {
-  std::lock_guard lock(cache_mutex_);
-  return groups_.count(groupId) != 0;
-}
-
-bool CChatTools::IsKnownGroupLocked(const WString& groupId) const {
-  // Before any joined-group list arrived nothing is known to be left: keep
-  // the conversation rather than delete a user's history on a guess.
-  return !joined_groups_known_ || groups_.count(groupId) != 0;
+  return groups_.IsJoined(groupId);
 }
 
 host::GroupActionResult CChatTools::RunGroupAction(const host::GroupActionRequest& request,
@@ -197,6 +164,17 @@ bool CChatTools::CreateGroup(const WString& name, const CloudMemberList& members
     platform::Trace("创建群组 失败!!! host");
     return false;
   }
+  if (CreateImGroup(name, members, created)) return true;
+  // The chat side refused: the cloud group would be an orphan nobody can
+  // chat in, so it goes again and the user's "failed" is the truth.
+  if (!cloud->DisbandCloudGroup(created.cloudGroupId, 0)) {
+    platform::Trace("创建群组: 云端群 %d 未能撤销", created.cloudGroupId);
+  }
+  return false;
+}
+
+bool CChatTools::CreateImGroup(const WString& name, const CloudMemberList& members,
+                               const CloudGroupInfo& created) {
   Json::Value param;
   param["create_group_param_group_name"] = platform::Utf16ToUtf8(name);
   if (!created.imGroupId.empty()) {
@@ -212,20 +190,41 @@ bool CChatTools::CreateGroup(const WString& name, const CloudMemberList& members
   param["create_group_param_group_member_array"] = memberArray;
   int ret =
       TIMGroupCreate(service::CompactText(param).c_str(), &CChatTools::TIMGroupActionFunc, this);
-  if (ret != 0) {
-    platform::Trace("创建群组 失败!!! ret:%d", ret);
-    return false;
-  }
-  return true;
+  if (ret != 0) platform::Trace("创建群组 失败!!! ret:%d", ret);
+  return ret == 0;
 }
 
 host::OwnerTransferResult CChatTools::TransferGroupOwner(const WString& imGroupId,
                                                          const host::OwnerTransferRequest& request,
                                                          const char* tag) {
-  return host::TransferGroupOwnership(request, tag, Window(), [this, &imGroupId, &request] {
+  using Result = host::OwnerTransferResult;
+  if (request.newOwnerId == -1) return Result::kNoNewOwner;
+  HostCloudService* cloud = host::AcquireCloudService(tag, host::Gate::kSignedIn);
+  if (cloud == nullptr) return Result::kUnavailable;
+  // Like every group action, it starts from the group as the host knows it:
+  // the cloud id and the new owner's chat id come from its member list.
+  GroupDetail group;
+  if (!cloud->GetGroupMembers(imGroupId.c_str(), group)) {
+    platform::Trace("%s%s", tag, host::text::kGroupQueryFailedTrace);
+    Window().ShowMessage(platform::W(host::text::kErrorTitle),
+                         platform::W(host::text::kGroupQueryFailed));
+    return Result::kGroupQueryFailed;
+  }
+  WString newOwnerImId;
+  for (const CloudGroupMember& member : group.members) {
+    if (member.accountId == request.newOwnerId) newOwnerImId = member.imUserId;
+  }
+  host::OwnerTransferRequest checked = request;
+  checked.cloudGroupId = group.cloudGroupId;
+  return host::TransferGroupOwnership(checked, tag, Window(), [this, &imGroupId, &newOwnerImId] {
+    if (newOwnerImId.empty()) {
+      // Not a member the host listed: the chat side is not guessed at.
+      platform::Trace("转让群主: 新群主不在群成员中, 聊天侧未改");
+      return;
+    }
     Json::Value param;
     param["group_modify_info_param_group_id"] = platform::Utf16ToUtf8(imGroupId);
-    param["group_modify_info_param_owner"] = std::to_string(request.newOwnerId);
+    param["group_modify_info_param_owner"] = platform::Utf16ToUtf8(newOwnerImId);
     int ret = TIMGroupModifyGroupInfo(service::CompactText(param).c_str(),
                                       &CChatTools::TIMGroupActionFunc, this);
     if (ret != 0) platform::Trace("转让群主 失败!!! ret:%d", ret);

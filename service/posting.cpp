@@ -1,5 +1,7 @@
 #include "service/posting.h"
 
+#include <utility>
+
 #include "platform/trace.h"
 
 namespace service {
@@ -13,6 +15,22 @@ bool Post(platform::WindowHandle window, unsigned msg, platform::WPARAM wParam,
   if (platform::PostMessage(window, msg, wParam, lParam)) return true;
   TraceLostPost(msg);
   return false;
+}
+
+namespace {
+
+template <size_t... I>
+bool DropAny(unsigned msg, platform::WPARAM wParam, platform::LPARAM lParam,
+             std::index_sequence<I...>) {
+  return (
+      (msg == kPayloadMessages[I] && (DropPostedOf<kPayloadMessages[I]>(wParam, lParam), true)) ||
+      ...);
+}
+
+}  // namespace
+
+bool DropPosted(unsigned msg, platform::WPARAM wParam, platform::LPARAM lParam) {
+  return DropAny(msg, wParam, lParam, std::make_index_sequence<std::size(kPayloadMessages)>{});
 }
 
 }  // namespace service

@@ -2,6 +2,9 @@
 // caches, the local store and the window.
 #include <json/json.h>
 
+#include <algorithm>
+
+#include "host/host_access.h"
 #include "imsdk/im_sdk.h"
 #include "platform/trace.h"
 #include "records/message_parser.h"
@@ -13,10 +16,6 @@
 #include "store/chat_db.h"
 
 namespace {
-
-bool IsChatConversation(uint32_t convType) {
-  return convType == 1 || convType == 2;
-}
 
 // A message whose only content was custom payloads that are never kept (a
 // drawing-sync instruction, an unknown kind): nothing to show or store.
@@ -40,15 +39,15 @@ void CChatTools::GetMsgList(const WString& convId, uint32_t convType, uint32_t c
   platform::Trace("获取指定会话的消息列表 结束!!!");
 }
 
-void CChatTools::OnMsgListArrived(std::unique_ptr<std::string> json) {
-  if (json == nullptr) return;
+void CChatTools::OnMsgListArrived(std::string json, service::SessionStamp session) {
   SdkEventRecord record;
   record.kind = kSdkEventNewMessages;
-  record.text = std::move(*json);
-  json.reset();
-  record.flag1 = 1;
-  record.flag2 = 0;  // fetched history never acts on drawing-sync instructions
-  OnRecvNewMsg(&record);
+  record.text = std::move(json);
+  // Fetched history: it never flashes the host window and never acts on
+  // drawing-sync instructions.
+  record.flag1 = 0;
+  record.flag2 = 0;
+  OnRecvNewMsg(&record, session);
 }
 
 bool CChatTools::ParseMsgData(const std::string& text, uint8_t pushed,
@@ -60,15 +59,36 @@ bool CChatTools::ParseMsgData(const std::string& text, uint8_t pushed,
 }
 
 void CChatTools::OnRecvNewMsg(const SdkEventRecord* record) {
+  OnRecvNewMsg(record, CurrentSession());
+}
+
+void CChatTools::OnRecvNewMsg(const SdkEventRecord* record, service::SessionStamp session) {
   platform::Trace("****** CChatTools::OnRecvNewMsg in ******");
   if (record == nullptr || record->text.empty()) return;
+  if (!session_.IsCurrent(session)) {
+    platform::Trace("OnRecvNewMsg: messages of an ended session dropped");
+    return;
+  }
+  ReceiveMessages(*record, session);
+  platform::Trace("****** CChatTools::OnRecvNewMsg out ******");
+}
+
+void CChatTools::ReceiveMessages(const SdkEventRecord& record, service::SessionStamp session) {
+  const bool pushed = record.flag2 != 0;
   std::vector<MessageStru> messages;
-  if (!ParseMsgData(record->text, record->flag2, messages)) {
+  if (!ParseMsgData(record.text, record.flag2, messages)) {
     platform::Trace("****** CChatTools::OnRecvNewMsg return ******");
     return;
   }
-  CheckDrawingSync(messages);
-  for (const MessageStru& message : messages) HandleGroupEvents(message);
+  // A history page comes newest first; everything below takes messages
+  // oldest first, so that the newest ends up as the last message.
+  if (!pushed) std::reverse(messages.begin(), messages.end());
+  if (pushed) {
+    CheckDrawingSync(messages, session);
+  } else {
+    std::erase_if(messages, IsInstructionOnly);
+  }
+  for (const MessageStru& message : messages) HandleGroupEvents(message, session);
 
   // Messages by conversation, conversations in order of first appearance.
   std::vector<std::pair<WString, std::vector<MessageStru>>> byConversation;
@@ -86,67 +106,47 @@ void CChatTools::OnRecvNewMsg(const SdkEventRecord* record) {
   }
   for (auto& [convId, list] : byConversation) {
     uint32_t convType = list.front().conv_type;
-    AcceptConversationMessages(convId, convType, std::move(list), record->flag1 != 0);
+    AcceptConversationMessages(convId, convType, std::move(list), pushed && record.flag1 != 0,
+                               pushed, session);
   }
-  platform::Trace("****** CChatTools::OnRecvNewMsg out ******");
+  if (pushed && !byConversation.empty()) {
+    if (HostAppService* app = host::AcquireAppService("CChatTools::OnRecvNewMsg")) {
+      app->NotifyNewMessage();
+    }
+  }
 }
 
 void CChatTools::AcceptConversationMessages(const WString& convId, uint32_t convType,
-                                            std::vector<MessageStru> messages, bool notify) {
-  CChatDb::Instance().SaveMessageList(UserId(), messages);
-
+                                            std::vector<MessageStru> messages, bool notify,
+                                            bool pushed, service::SessionStamp session) {
   bool fromPeer = false;
   for (const MessageStru& message : messages) fromPeer = fromPeer || !message.is_from_self;
+  const WString user = UserId();
+  service::AcceptedBatch batch;
+  // Fetched history was counted unread when it arrived the first time.
+  const bool stored = session_.WhileCurrent(session, [&] {
+    store_.SaveMessageList(user, messages);
+    batch = recent_.Accept(convId, convType, std::move(messages), pushed);
+  });
+  if (!stored) return;
   if (notify && fromPeer) Window().FlashHostWindowIfMinimised();
 
-  bool known = false;
-  bool registered = false;
   platform::WindowHandle window = ChatWindow();
-  {
-    std::lock_guard lock(cache_mutex_);
-    known = conversations_.count(convId) != 0;
-    for (const RecentConversation& recent : recent_) known = known || recent.info.conv_id == convId;
-    auto [it, added] = conversations_.try_emplace(convId);
-    registered = added;
-    ConversationInfo_Stru& conv = it->second;
-    conv.conv_id = convId;
-    conv.conv_type = convType;
-    conv.has_last_msg = true;
-    conv.last_msg = messages.back();
-    conv.active_time = messages.back().server_time;
-    std::vector<MessageStru>& cached = new_messages_[convId];
-    cached.insert(cached.end(), std::make_move_iterator(messages.begin()),
-                  std::make_move_iterator(messages.end()));
+  namespace msg = platform::msg;
+  if (batch.registered) {
+    service::PostPayload<msg::kConversationLogoChanged>(window, session, convId);
   }
-  if (registered) {
-    service::PostOwned(window, platform::msg::kConversationLogoChanged,
-                       std::make_unique<WString>(convId));
-  }
-
-  AddRecentConvID(convId, convType);
-  {
-    std::lock_guard lock(cache_mutex_);
-    if (fromPeer) unread_.insert(convId);
-    ++unread_events_;
-    for (RecentConversation& recent : recent_) {
-      if (recent.info.conv_id != convId) continue;
-      uint64_t peerMessages = 0;
-      for (const MessageStru& message : messages) peerMessages += message.is_from_self ? 0 : 1;
-      recent.info.unread_num += peerMessages;
-      recent.info.active_time = conversations_[convId].active_time;
-      recent.info.has_last_msg = true;
-      recent.info.last_msg = conversations_[convId].last_msg;
-    }
-  }
-  service::Post(window, platform::msg::kUnreadMarker);
-  if (!known) RequestConvList();
-
+  if (batch.added_recent) service::Post<msg::kRecentConversationsChanged>(window);
+  if (pushed) service::Post<msg::kUnreadMarker>(window);
+  if (!batch.known) RequestConvList();
   if (service::IsCurrentConversation(convId)) {
-    service::Post(window, platform::msg::kRefreshMessageView, 4);
+    service::Post<msg::kRefreshMessageView>(window,
+                                            platform::WPARAM(service::RefreshMode::kNewMessages));
   }
 }
 
-void CChatTools::CheckDrawingSync(std::vector<MessageStru>& messages) {
+void CChatTools::CheckDrawingSync(std::vector<MessageStru>& messages,
+                                  service::SessionStamp session) {
   platform::WindowHandle window = ChatWindow();
   for (const MessageStru& message : messages) {
     for (const ElemStru& elem : message.elems) {
@@ -154,8 +154,7 @@ void CChatTools::CheckDrawingSync(std::vector<MessageStru>& messages) {
       const DrawingMsgStru& drawing = elem.drawing;
       if (drawing.msgType == kDrawingMsgSharedChat &&
           (drawing.instruct == 2 || drawing.instruct == 4)) {
-        service::PostOwned(window, platform::msg::kDrawingSyncNotice,
-                           std::make_unique<MessageStru>(message));
+        service::PostPayload<platform::msg::kDrawingSyncNotice>(window, session, message);
       }
     }
   }
@@ -163,47 +162,50 @@ void CChatTools::CheckDrawingSync(std::vector<MessageStru>& messages) {
   std::erase_if(messages, IsInstructionOnly);
 }
 
-void CChatTools::HandleGroupEvents(const MessageStru& message) {
+void CChatTools::HandleGroupEvents(const MessageStru& message, service::SessionStamp session) {
   platform::WindowHandle window = ChatWindow();
   WString self = UserId();
   for (const ElemStru& elem : message.elems) {
     if (elem.elem_type == kElemCustom && elem.drawing.subType == 1) {
-      service::Post(window, platform::msg::kReloadGroupsFromHost);
+      service::Post<platform::msg::kReloadGroupsFromHost>(window);
       continue;
     }
     if (elem.elem_type == kElemGroupReport && elem.report_type == kTIMGroupReport_Disband) {
       // A disbanded group is reported, not announced by group tips: reload
       // the groups here, or it stays in the group list.
-      LoadHostGroups();
+      LoadHostGroups(session);
       RequestJoinedGroupList();
     }
     std::optional<records::GroupChangeReminder> reminder =
         records::GroupChangeReminderFor(elem, self);
     if (!reminder) continue;
-    StoreReminder(message, reminder->text);
+    StoreReminder(message, reminder->text, session);
     if (reminder->new_group_name) {
-      service::PostOwnedPair(window, platform::msg::kConversationNameChanged,
-                             std::make_unique<WString>(message.conv_id),
-                             std::make_unique<WString>(*reminder->new_group_name));
+      service::PostPayload<platform::msg::kConversationNameChanged>(
+          window, session, message.conv_id, *reminder->new_group_name);
     }
   }
 }
 
-void CChatTools::StoreReminder(const MessageStru& context, const WString& text) {
-  CChatDb::Instance().SaveLocalNotice(UserId(), context, text);
+void CChatTools::StoreReminder(const MessageStru& context, const WString& text,
+                               service::SessionStamp session) {
   MessageStru notice = context;
   ElemStru elem;
   elem.conv_id = context.conv_id;
   elem.elem_type = kElemLocalNotice;
   elem.text = text;
   notice.elems.assign(1, std::move(elem));
-  {
-    // Into the view's queue only: the tips message itself registers the
-    // conversation afterwards.
-    std::lock_guard lock(cache_mutex_);
-    new_messages_[context.conv_id].push_back(std::move(notice));
+  const WString user = UserId();
+  // Into the view's queue only: the tips message itself registers the
+  // conversation afterwards.
+  const bool stored = session_.WhileCurrent(session, [&] {
+    store_.SaveLocalNotice(user, context, text);
+    recent_.QueueMessage(context.conv_id, std::move(notice));
+  });
+  if (stored) {
+    service::Post<platform::msg::kRefreshMessageView>(
+        ChatWindow(), platform::WPARAM(service::RefreshMode::kNewMessages));
   }
-  service::Post(ChatWindow(), platform::msg::kRefreshMessageView, 4);
 }
 
 void CChatTools::ReportReaded(const WString& convId, uint32_t convType) {

@@ -22,12 +22,14 @@ using CallbackTrace = service::EnterExitTrace;
 
 void PostEvent(CChatTools& tools, uint32_t kind, const char* json, uint8_t flag1 = 0,
                uint8_t flag2 = 0) {
-  auto record = std::make_unique<SdkEventRecord>();
-  record->kind = kind;
-  record->text = OrEmpty(json);
-  record->flag1 = flag1;
-  record->flag2 = flag2;
-  service::PostOwned(tools.ChatWindow(), platform::msg::kSdkEvent, std::move(record));
+  SdkEventRecord record;
+  record.kind = kind;
+  record.text = OrEmpty(json);
+  record.flag1 = flag1;
+  record.flag2 = flag2;
+  // Stamped now: a logout between here and the window's turn drops it.
+  service::PostPayload<platform::msg::kSdkEvent>(tools.ChatWindow(), tools.CurrentSession(),
+                                                 std::move(record));
 }
 
 bool ParseJson(const char* text, Json::Value& out, std::string& errors) {
@@ -96,7 +98,7 @@ void CChatTools::TIMSetNetworkStatusListenerCallbackFunc(int32_t status, int32_t
   if (user == nullptr) return;
   CChatTools& self = *From(user);
   self.network_status_.store(static_cast<uint32_t>(status));
-  service::Post(self.ChatWindow(), platform::msg::kNetworkStatusChanged);
+  service::Post<platform::msg::kNetworkStatusChanged>(self.ChatWindow());
 }
 
 void CChatTools::TIMSetKickedOfflineCallbackFunc(void* user) {
@@ -124,8 +126,9 @@ void CChatTools::TIMSetOnAddFriendCallbackFunc(const char*, void* user) {
 void CChatTools::TIMSetOnDeleteFriendCallbackFunc(const char* json, void* user) {
   CallbackTrace trace("TIMSetOnDeleteFriendCallbackFunc");
   if (user == nullptr) return;
-  auto ids = std::make_unique<std::string>(OrEmpty(json));
-  service::PostOwned(From(user)->ChatWindow(), platform::msg::kFriendDeleted, std::move(ids));
+  CChatTools& self = *From(user);
+  service::PostPayload<platform::msg::kFriendDeleted>(self.ChatWindow(), self.CurrentSession(),
+                                                      OrEmpty(json));
 }
 
 void CChatTools::TIMSetUpdateFriendProfileCallbackFunc(const char*, void* user) {
@@ -167,8 +170,9 @@ void CChatTools::TIMFriendshipGetFriendProfileListFunc(int32_t code, const char*
 void CChatTools::TIMMsgGetMsgListFunc(int32_t code, const char*, const char* json, void* user) {
   CallbackTrace trace("TIMMsgGetMsgListFunc");
   if (code != 0 || user == nullptr) return;
-  auto text = std::make_unique<std::string>(OrEmpty(json));
-  service::PostOwned(From(user)->ChatWindow(), platform::msg::kMessageListArrived, std::move(text));
+  CChatTools& self = *From(user);
+  service::PostPayload<platform::msg::kMessageListArrived>(self.ChatWindow(), self.CurrentSession(),
+                                                           OrEmpty(json));
 }
 
 void CChatTools::IMMsgReportReadedFunc(int32_t code, const char* desc, const char* json, void*) {

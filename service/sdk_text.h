@@ -13,6 +13,18 @@ inline std::string Utf8(const WString& text) {
   return platform::Utf16ToUtf8(text);
 }
 
+// Traces `enter` now and `exit` when it goes.
+class TracedScope {
+ public:
+  TracedScope(const char* enter, const char* exit) : exit_(exit) { platform::Trace("%s", enter); }
+  ~TracedScope() { platform::Trace("%s", exit_); }
+  TracedScope(const TracedScope&) = delete;
+  TracedScope& operator=(const TracedScope&) = delete;
+
+ private:
+  const char* exit_;
+};
+
 // Traces "<name> enter!!!!!!" now and "<name> exit!!!!!!" when it goes.
 class EnterExitTrace {
  public:

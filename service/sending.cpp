@@ -88,9 +88,10 @@ uint32_t CChatTools::SendFakeMsg(const WString& convId, uint32_t convType,
   MessageStru placeholder;
   records::ParseMessage(message, placeholder);
   placeholder.is_from_self = true;
-  RegisterPlaceholder(placeholder);
+  sends_.RegisterPlaceholder(placeholder);
   AppendConversationMessage(convId, placeholder);
-  service::Post(ChatWindow(), platform::msg::kRefreshMessageView, 2);
+  service::Post<platform::msg::kRefreshMessageView>(
+      ChatWindow(), platform::WPARAM(service::RefreshMode::kReloadToEnd));
   platform::Trace("SendFakeMsg exit!!!!!!");
   return placeholder.local_id;
 }
@@ -107,30 +108,33 @@ bool CChatTools::SendMsg(const WString& convId, uint32_t convType, const Json::V
   pending.is_from_self = true;
   pending.local_id = wanted;
 
-  {
-    // Until the message is in the conversation's list, its result waits.
-    std::lock_guard order(send_order_mutex_);
-    bool tookOver = false;
-    const uint32_t localId = RegisterPendingSend(pending, &tookOver);
-    service::IdCallbackOwner().store(this);
-    auto userData = std::make_unique<uint32_t>(localId);
-    int ret = TIMMsgSendNewMsg(Utf8(convId).c_str(), static_cast<int32_t>(convType),
-                               service::StyledText(message).c_str(),
-                               &CChatTools::TIMMsgSendNewMsgFunc, userData.get());
-    if (ret != 0) {
-      platform::Trace("发送消息失败!!!");
-      if (AbandonPendingSend(localId, tookOver)) {
-        service::Post(ChatWindow(), platform::msg::kTransferStateChanged, localId);
-      }
-      return false;
+  // From here until LeaveCall a result is parked, whether the SDK gives it
+  // inside the call or on its own thread: the message is listed first.
+  const bool tookOver = sends_.Register(pending);
+  const uint32_t localId = pending.local_id;
+  service::IdCallbackOwner().store(this);
+  void* key = sends_.IssueResultKey(localId);
+  int ret = TIMMsgSendNewMsg(Utf8(convId).c_str(), static_cast<int32_t>(convType),
+                             service::StyledText(message).c_str(),
+                             &CChatTools::TIMMsgSendNewMsgFunc, key);
+  if (ret != 0) {
+    platform::Trace("发送消息失败!!!");
+    sends_.RedeemResultKey(key);
+    if (sends_.Abandon(localId, tookOver)) {
+      service::Post<platform::msg::kTransferStateChanged>(ChatWindow(), localId);
     }
-    userData.release();  // the result callback frees it
-    // A placeholder's message is in the list already, under the same id.
-    if (!tookOver) AppendConversationMessage(convId, pending);
+    return false;
   }
+  // A placeholder's message is in the list already, under the same id.
+  if (!tookOver) AppendConversationMessage(convId, pending);
   platform::WindowHandle window = ChatWindow();
-  service::Post(window, platform::msg::kRefreshMessageView, 2);
-  service::Post(window, platform::msg::kClearComposer);
+  service::Post<platform::msg::kRefreshMessageView>(
+      window, platform::WPARAM(service::RefreshMode::kReloadToEnd));
+  service::Post<platform::msg::kClearComposer>(window);
+  // A result that came during the call waited for the message to be shown.
+  if (std::optional<service::SendResult> early = sends_.LeaveCall(localId)) {
+    HandleSendResult(localId, *early);
+  }
   platform::Trace("SendMsg exit!!!!!!");
   return true;
 }

@@ -10,7 +10,7 @@
 #include "service/callback_owner.h"
 #include "service/chat_tools.h"
 #include "service/current_conversation.h"
-#include "service/pending_sends.h"
+#include "service/local_ids.h"
 #include "service/posting.h"
 #include "service/sdk_text.h"
 #include "service/sending_json.h"
@@ -27,23 +27,29 @@ bool ParseObject(const std::string& text, Json::Value& out) {
 
 void CChatTools::TIMMsgSendNewMsgFunc(int32_t code, const char*, const char* json, void* user) {
   platform::Trace("TIMMsgSendNewMsgFunc enter!!!!!!");
-  std::unique_ptr<uint32_t> idCopy(static_cast<uint32_t*>(user));
   CChatTools* self = service::IdCallbackOwner().load();
-  if (idCopy == nullptr || self == nullptr) return;
-  const uint32_t localId = *idCopy;
-  idCopy.reset();
-  {
-    // SendMsg is done with this message once it lets go.
-    std::lock_guard order(self->send_order_mutex_);
+  if (self == nullptr) return;
+  // The id copy is the pending sends' own: redeeming frees it, and an
+  // address they did not hand out is never read.
+  std::optional<uint32_t> localId = self->sends_.RedeemResultKey(user);
+  if (!localId) {
+    platform::Trace("TIMMsgSendNewMsgFunc: no send waits for this result");
+    return;
   }
-  std::optional<MessageStru> pending = self->SettlePendingSend(localId, code);
+  service::SendResult result{code, service::OrEmpty(json)};
+  // During the call the sender takes it over once the call returned.
+  if (self->sends_.ArriveOrPark(*localId, result)) self->HandleSendResult(*localId, result);
+  platform::Trace("TIMMsgSendNewMsgFunc exit!!!!!!");
+}
+
+void CChatTools::HandleSendResult(uint32_t localId, const service::SendResult& result) {
+  std::optional<MessageStru> pending = sends_.Settle(localId, result.code);
   if (!pending) {
     platform::Trace("TIMMsgSendNewMsgFunc: local id %u is not pending", localId);
     return;
   }
-  self->OnSendMsgUpdateCallback(service::OrEmpty(json), *pending, code);
-  service::Post(self->ChatWindow(), platform::msg::kTransferStateChanged, localId);
-  platform::Trace("TIMMsgSendNewMsgFunc exit!!!!!!");
+  OnSendMsgUpdateCallback(result.json, *pending, result.code);
+  service::Post<platform::msg::kTransferStateChanged>(ChatWindow(), localId);
 }
 
 void CChatTools::OnSendMsgUpdateCallback(const std::string& resultJson, MessageStru& pending,
@@ -52,8 +58,8 @@ void CChatTools::OnSendMsgUpdateCallback(const std::string& resultJson, MessageS
   if (code == 0) {
     MessageStru stored = StoredSentMessage(resultJson, pending);
     pending.unique_id = stored.unique_id;
-    SetSentUniqueId(pending.local_id, stored.unique_id);
-    CChatDb::Instance().SaveMessage(UserId(), stored);
+    sends_.SetUniqueId(pending.local_id, stored.unique_id);
+    store_.SaveMessage(UserId(), stored);
   } else {
     AddSendFailureNotice(pending, service::SendFailureNotice(code, PersonName(pending.conv_id)));
   }
@@ -93,7 +99,7 @@ void CChatTools::AddSendFailureNotice(const MessageStru& failed, const WString& 
   notice.server_time = service::NowSeconds();
   notice.local_id = NextLocalId();
   notice.unique_id = service::LocalUniqueId(notice.local_id, notice.server_time);
-  CChatDb::Instance().SaveLocalNotice(UserId(), notice, text);
+  store_.SaveLocalNotice(UserId(), notice, text);
 
   ElemStru elem;
   elem.conv_id = notice.conv_id;
@@ -102,7 +108,8 @@ void CChatTools::AddSendFailureNotice(const MessageStru& failed, const WString& 
   notice.elems.push_back(std::move(elem));
   AppendConversationMessage(notice.conv_id, notice);
   if (service::IsCurrentConversation(notice.conv_id)) {
-    service::Post(ChatWindow(), platform::msg::kRefreshMessageView, 4);
+    service::Post<platform::msg::kRefreshMessageView>(
+        ChatWindow(), platform::WPARAM(service::RefreshMode::kNewMessages));
   }
 }
 

@@ -27,6 +27,16 @@ struct GroupInfo {
   int32_t cloud_group_id = -1;  // -1 when the host did not report it
 };
 
+// Pending friend requests stand in the unread set under this id.
+inline const WString kFriendRequestsUnreadId = u"-1";
+
+// Which message a pending-request page is announced with: the first
+// variant posts 3166 (requests changed), the second 3186 (redraw the list).
+enum PendencyListVariant : int {
+  kPendencyListChanged = 1,
+  kPendencyListRefresh = 2,
+};
+
 // A pending friend request and whether the user has accepted it.
 struct PendingFriendRequest {
   FriendAddPendency pendency;

@@ -17,9 +17,7 @@ class BenchWindow final : public service::WindowPort {
   // Frees what the service posted, as the window would.
   void Drain() {
     for (const platform::WindowMessage& m : queue.TakeAll()) {
-      if (m.msg == platform::msg::kConversationLogoChanged && m.wParam != 0) {
-        service::AdoptPayload<WString>(m.wParam);
-      }
+      service::DropPosted(m.msg, m.wParam, m.lParam);
     }
   }
   platform::QueuedWindow queue;

@@ -1,13 +1,16 @@
-// 10,000 pushed messages in one JSON text through OnRecvNewMsg into the
-// caches and a real Chat.db (one transaction).
+// 10,000 pushed messages through OnRecvNewMsg into the caches and a real
+// Chat.db, in texts of the most messages one event may carry (one
+// transaction each).
 #include <benchmark/benchmark.h>
 #include <json/json.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
 #include "bench/service/bench_window.h"
 #include "platform/window_messages.h"
+#include "records/entry_limits.h"
 #include "service/chat_tools.h"
 #include "service/posting.h"
 #include "store/chat_db.h"
@@ -58,14 +61,19 @@ void BM_ReceiveAndStore(benchmark::State& state) {
   uint64_t nextId = 1;
   for (auto _ : state) {
     state.PauseTiming();
-    SdkEventRecord record;
-    record.kind = kSdkEventNewMessages;
-    record.text = MessageArray(count, nextId);
-    record.flag1 = record.flag2 = 1;
-    nextId += count;
+    // In texts of the most messages one event may carry.
+    std::vector<SdkEventRecord> records;
+    for (int sent = 0; sent < count; sent += static_cast<int>(records::kMaxMessagesPerText)) {
+      const int batch = std::min(count - sent, static_cast<int>(records::kMaxMessagesPerText));
+      SdkEventRecord& record = records.emplace_back();
+      record.kind = kSdkEventNewMessages;
+      record.text = MessageArray(batch, nextId);
+      record.flag1 = record.flag2 = 1;
+      nextId += batch;
+    }
     state.ResumeTiming();
 
-    tools.OnRecvNewMsg(&record);
+    for (const SdkEventRecord& record : records) tools.OnRecvNewMsg(&record);
 
     state.PauseTiming();
     if (tools.NewMessageCount(u"10002") != static_cast<size_t>(count)) {

@@ -11,7 +11,9 @@ namespace service {
 FaceFetcher::FaceFetcher(WindowOf window, void* context) : window_(window), context_(context) {}
 
 FaceFetcher::FaceFetcher(CChatTools& tools)
-    : FaceFetcher([](void* t) { return static_cast<CChatTools*>(t)->ChatWindow(); }, &tools) {}
+    : FaceFetcher([](void* t) { return static_cast<CChatTools*>(t)->ChatWindow(); }, &tools) {
+  tools_ = &tools;
+}
 
 FaceFetcher::~FaceFetcher() {
   {
@@ -23,11 +25,12 @@ FaceFetcher::~FaceFetcher() {
   if (worker_.joinable()) worker_.join();
 }
 
-void FaceFetcher::Fetch(const WString& url, const WString& path, const WString& convId) {
+void FaceFetcher::Fetch(const WString& url, const WString& path, const WString& convId,
+                        SessionStamp session) {
   {
     std::lock_guard lock(mutex_);
     if (stop_ || !pending_.insert(path).second) return;
-    queue_.push_back(Job{url, path, convId});
+    queue_.push_back(Job{url, path, convId, session});
     if (!worker_.joinable()) worker_ = std::thread([this] { Run(); });
   }
   wake_.notify_one();
@@ -35,10 +38,13 @@ void FaceFetcher::Fetch(const WString& url, const WString& path, const WString& 
 
 WString FaceFetcher::CachedOrQueued(const WString& url, const WString& fallback,
                                     const WString& convId) {
-  WString path = FaceCachePath(url);
+  if (tools_ == nullptr) return fallback;
+  // One session's folder and stamp, read together.
+  StampedFolders session = tools_->CurrentFolders();
+  WString path = FaceCachePath(session.folders.face, url);
   if (path.empty()) return fallback;
   if (FaceFileExists(path)) return path;
-  Fetch(url, path, convId);
+  Fetch(url, path, convId, session.stamp);
   return fallback;
 }
 
@@ -58,8 +64,8 @@ void FaceFetcher::Run() {
     // A picture already there was announced by the job that fetched it; a
     // failed download keeps the default picture (the next rebuild asks again).
     if (!FaceFileExists(job.path) && DownloadFace(job.url, job.path)) {
-      PostOwned(window_(context_), platform::msg::kConversationLogoChanged,
-                std::make_unique<WString>(job.convId));
+      PostPayload<platform::msg::kConversationLogoChanged>(window_(context_), job.session,
+                                                           job.convId);
     }
     lock.lock();
     pending_.erase(job.path);

@@ -11,6 +11,7 @@
 
 #include "platform/strings.h"
 #include "platform/window_messages.h"
+#include "service/window_payloads.h"
 
 class CChatTools;
 
@@ -29,11 +30,13 @@ class FaceFetcher {
   FaceFetcher(const FaceFetcher&) = delete;
   FaceFetcher& operator=(const FaceFetcher&) = delete;
 
-  // Queues the download of `url` into `path` for `convId`; a path already
-  // queued or being fetched is not queued again.
-  void Fetch(const WString& url, const WString& path, const WString& convId);
-  // The cached picture of `url` when it is there; else `fallback` now, and
-  // the download is queued for `convId` (empty URL or no face folder:
+  // Queues the download of `url` into `path` for `convId` of `session`
+  // (3192 carries it); a path already queued or being fetched is not queued
+  // again.
+  void Fetch(const WString& url, const WString& path, const WString& convId, SessionStamp session);
+  // The cached picture of `url` in the signed-in user's face folder when it
+  // is there; else `fallback` now, and the download is queued for `convId`
+  // of the current session (empty URL, no face folder or no CChatTools:
   // `fallback`, nothing queued).
   WString CachedOrQueued(const WString& url, const WString& fallback, const WString& convId);
   // Waits until nothing is queued or being fetched (tests, benchmarks).
@@ -44,11 +47,13 @@ class FaceFetcher {
     WString url;
     WString path;
     WString convId;
+    SessionStamp session = kNoSession;
   };
   void Run();
 
   WindowOf window_;
   void* context_;
+  const CChatTools* tools_ = nullptr;  // where CachedOrQueued looks
   std::mutex mutex_;
   std::condition_variable wake_;
   std::condition_variable idle_;

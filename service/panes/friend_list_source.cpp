@@ -8,9 +8,6 @@
 namespace service {
 namespace {
 
-// The unread set's stand-in for pending friend requests.
-constexpr char16_t kRequestsUnreadId[] = u"-1";
-
 class ChatToolsFriendList final : public FriendListSource {
  public:
   explicit ChatToolsFriendList(CChatTools& tools) : tools_(tools), faces_(tools) {}
@@ -24,8 +21,10 @@ class ChatToolsFriendList final : public FriendListSource {
     return faces_.CachedOrQueued(found ? found->profile.face_url : WString(), kPersonDefaultImage,
                                  id);
   }
-  bool HasUnreadRequests() const override { return tools_.IsUnread(kRequestsUnreadId); }
-  void SetRequestsUnread(bool unread) override { tools_.SetUnread(kRequestsUnreadId, unread); }
+  bool HasUnreadRequests() const override { return tools_.IsUnread(kFriendRequestsUnreadId); }
+  void SetRequestsUnread(bool unread) override {
+    tools_.SetUnread(kFriendRequestsUnreadId, unread);
+  }
   int ModifyRemark(const WString& id, const WString& remark) override {
     return tools_.ModifyFriendRemark(id, remark);
   }

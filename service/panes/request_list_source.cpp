@@ -8,10 +8,6 @@
 namespace service {
 namespace {
 
-// The page variant whose result asks the window to redraw the request list
-// (3186) rather than to refresh it again (3166).
-constexpr int kRedrawingPendencyList = 2;
-
 class ChatToolsRequestList final : public RequestListSource {
  public:
   explicit ChatToolsRequestList(CChatTools& tools) : tools_(tools), faces_(tools) {}
@@ -41,7 +37,7 @@ class ChatToolsRequestList final : public RequestListSource {
     return false;
   }
   void ReportRead(uint64_t seconds) override { tools_.ReportPendencyReaded(seconds); }
-  void Refresh() override { tools_.RequestPendencyList(kRedrawingPendencyList); }
+  void Refresh() override { tools_.RequestPendencyList(kPendencyListRefresh); }
 
  private:
   CChatTools& tools_;

@@ -162,7 +162,11 @@ TEST_F(SessionPaths, UploadWorkersAtOnceEachReportAndAGoneWindowStillFreesTheTas
 TEST(AccountId, OnlyDecimalIdsThatFitNameAnAccount) {
   EXPECT_EQ(AccountIdOfImUser(u"10001"), 10001);
   EXPECT_EQ(AccountIdOfImUser(u"999999999"), 999999999);
-  for (const char16_t* id : {u"", u"-1", u"12a", u"@TGS#group1", u"1000000000", u"１２"}) {
+  // Ten digits fit as long as the host's 32-bit id does.
+  EXPECT_EQ(AccountIdOfImUser(u"1000000000"), 1000000000);
+  EXPECT_EQ(AccountIdOfImUser(u"2147483647"), 2147483647);
+  for (const char16_t* id : {u"", u"-1", u"12a", u"@TGS#group1", u"2147483648", u"9999999999",
+                             u"10000000000", u"１２"}) {
     EXPECT_FALSE(AccountIdOfImUser(id)) << platform::Utf16ToUtf8(id);
   }
 }

@@ -12,6 +12,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+constexpr service::SessionStamp kSession = 7;
 
 TEST(FaceFetcher, FetchesEachPictureOnceAndAnnouncesItsConversation) {
   fs::path folder = fs::path(testing::TempDir()) / ("faces-" + std::to_string(getpid()));
@@ -27,10 +28,10 @@ TEST(FaceFetcher, FetchesEachPictureOnceAndAnnouncesItsConversation) {
         [](void* w) { return static_cast<platform::QueuedWindow*>(w)->handle(); }, &window);
     WString url = platform::Utf8ToUtf16(source.string());
     WString path = platform::Utf8ToUtf16((folder / "10002.png").string());
-    fetcher.Fetch(url, path, u"10002");
-    fetcher.Fetch(url, path, u"10002");  // already queued: once
+    fetcher.Fetch(url, path, u"10002", kSession);
+    fetcher.Fetch(url, path, u"10002", kSession);  // already queued: once
     fetcher.Fetch(u"/no/such/picture.png", platform::Utf8ToUtf16((folder / "x.png").string()),
-                  u"10003");
+                  u"10003", kSession);
     fetcher.WaitIdle();
     EXPECT_TRUE(fs::exists(folder / "10002.png"));
     EXPECT_FALSE(fs::exists(folder / "x.png"));
@@ -38,7 +39,9 @@ TEST(FaceFetcher, FetchesEachPictureOnceAndAnnouncesItsConversation) {
   std::vector<platform::WindowMessage> posted = window.TakeAll();
   ASSERT_EQ(posted.size(), 1u);  // the failed one keeps the default picture quietly
   EXPECT_EQ(posted[0].msg, platform::msg::kConversationLogoChanged);
-  EXPECT_EQ(*service::AdoptPayload<WString>(posted[0].wParam), u"10002");
+  auto arrived = service::AdoptPosted<platform::msg::kConversationLogoChanged>(posted[0].wParam);
+  EXPECT_EQ(arrived->value, u"10002");
+  EXPECT_EQ(arrived->session, kSession);  // the window drops it once that session ended
   host.Uninstall();
 }
 

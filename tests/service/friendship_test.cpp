@@ -250,8 +250,8 @@ TEST_F(FriendshipTest, UnreadableJsonIsTracedAndKeepsTheCaches) {
   garbage.kind = kSdkEventFriendAddRequest;
   garbage.text = "{not json";
   tools->OnFriendAddRequest(garbage);
-  tools->OnFriendsDeleted(std::make_unique<std::string>("["));
-  tools->OnFriendsDeleted(std::make_unique<std::string>(R"([{"id": 1}])"));
+  tools->OnFriendsDeleted("[", tools->CurrentSession());
+  tools->OnFriendsDeleted(R"([{"id": 1}])", tools->CurrentSession());
   DrainNow();
   EXPECT_EQ(traces.Count("解析json数据错误！error:"), 3u);
   EXPECT_EQ(CountSeen(msg::kFriendRequestsChanged), 0u);
@@ -259,7 +259,7 @@ TEST_F(FriendshipTest, UnreadableJsonIsTracedAndKeepsTheCaches) {
   EXPECT_EQ(CountSeen(msg::kFriendListChanged), 0u);
 
   // The 3197 handler with the ids the SDK reports.
-  tools->OnFriendsDeleted(std::make_unique<std::string>(R"(["10002","nobody"])"));
+  tools->OnFriendsDeleted(R"(["10002","nobody"])", tools->CurrentSession());
   DrainNow();
   EXPECT_FALSE(HasFriend(u"10002"));
   EXPECT_EQ(CountSeen(msg::kFriendListChanged), 1u);

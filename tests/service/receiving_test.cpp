@@ -138,12 +138,12 @@ TEST_F(ReceivingTest, EventCallbacksCopyTheirTextIntoTheRecord) {
     std::vector<platform::WindowMessage> posted = window.queue.TakeAll();
     ASSERT_EQ(posted.size(), 1u);
     ASSERT_EQ(posted[0].msg, msg::kSdkEvent);
-    auto record = service::AdoptPayload<SdkEventRecord>(posted[0].wParam);
-    EXPECT_EQ(record->kind, c.kind);
-    EXPECT_EQ(record->text, text);
-    EXPECT_EQ(record->flag1, c.flag1);
-    EXPECT_EQ(record->flag2, c.flag2);
-    EXPECT_EQ(record->recent_list_flag, 0);
+    const SdkEventRecord record = service::AdoptPosted<msg::kSdkEvent>(posted[0].wParam)->value;
+    EXPECT_EQ(record.kind, c.kind);
+    EXPECT_EQ(record.text, text);
+    EXPECT_EQ(record.flag1, c.flag1);
+    EXPECT_EQ(record.flag2, c.flag2);
+    EXPECT_EQ(record.recent_list_flag, 0);
   }
   // Failed results post nothing.
   CChatTools::TIMConvGetConvListFunc(TIM_ERR_NETWORK, "down", "[]", tools.get());

@@ -5,7 +5,7 @@
 
 #include "imsdk/im_sdk.h"
 #include "service/current_conversation.h"
-#include "service/pending_sends.h"
+#include "service/local_ids.h"
 #include "tests/service/service_fixture.h"
 
 namespace service_test {

@@ -148,38 +148,35 @@ void ServiceTest::Handle(const platform::WindowMessage& message, bool dispatch) 
   namespace msg = platform::msg;
   switch (message.msg) {
     case msg::kSdkEvent: {
-      auto record = service::AdoptPayload<SdkEventRecord>(message.wParam);
-      seen.eventKind = record->kind;
-      seen.text = record->text;
+      auto record = service::AdoptPosted<msg::kSdkEvent>(message.wParam);
+      seen.eventKind = record->value.kind;
+      seen.text = record->value.text;
       seen_.push_back(seen);
-      if (dispatch) tools->DispatchSdkEvent(*record);
+      if (dispatch) tools->DispatchSdkEvent(record->value, record->session);
       return;
     }
     case msg::kMessageListArrived: {
-      auto text = service::AdoptPayload<std::string>(message.wParam);
-      seen.text = *text;
+      auto page = service::AdoptPosted<msg::kMessageListArrived>(message.wParam);
+      seen.text = page->value;
       seen_.push_back(seen);
-      if (dispatch) tools->OnMsgListArrived(std::move(text));
+      if (dispatch) tools->OnMsgListArrived(std::move(page->value), page->session);
       return;
     }
     case msg::kFriendDeleted:
-      seen.text = *service::AdoptPayload<std::string>(message.wParam);
+      seen.text = service::AdoptPosted<msg::kFriendDeleted>(message.wParam)->value;
       break;
     case msg::kConversationLogoChanged:
-      seen.first = *service::AdoptPayload<WString>(message.wParam);
+      seen.first = service::AdoptPosted<msg::kConversationLogoChanged>(message.wParam)->value;
       break;
     case msg::kConversationNameChanged:
-      seen.first = *service::AdoptPayload<WString>(message.wParam);
-      seen.second = *service::AdoptPayload<WString>(message.lParam);
-      break;
-    case msg::kDrawingSyncNotice:
-      service::AdoptPayload<MessageStru>(message.wParam);
-      break;
-    case msg::kFriendRequestHandled:
-      service::AdoptPayload<FriendRequestResult>(message.wParam);
+      seen.first = service::AdoptPosted<msg::kConversationNameChanged>(message.wParam)->value;
+      seen.second =
+          service::AdoptPostedSecond<msg::kConversationNameChanged>(message.lParam)->value;
       break;
     default:
-      seen.wParam = message.wParam;
+      if (!service::DropPosted(message.msg, message.wParam, message.lParam)) {
+        seen.wParam = message.wParam;
+      }
       break;
   }
   seen_.push_back(seen);

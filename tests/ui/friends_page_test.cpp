@@ -53,7 +53,8 @@ class FriendsPageTest : public ::testing::Test {
     std::vector<WString> texts;
     for (const platform::WindowMessage& m : window_.messages) {
       if (m.msg == platform::msg::kFriendRemarkChanged) {
-        texts.push_back(*service::AdoptPayload<WString>(m.lParam));
+        texts.push_back(
+            service::AdoptPostedSecond<platform::msg::kFriendRemarkChanged>(m.lParam)->value);
       }
     }
     window_.messages.clear();

@@ -67,9 +67,10 @@ class ImWndTest : public ::testing::Test {
   }
   int TabPage() { return window_.FindControl("tabs").GetCurSel(); }
   int ChatPage() { return window_.FindControl("IMWnd_ChatModule").GetCurSel(); }
-  template <class T>
-  bool PostOwned(unsigned msg, T payload) {
-    return service::PostOwned(port_.ChatWindow(), msg, std::make_unique<T>(std::move(payload)));
+  template <unsigned Msg>
+  bool Post(service::PayloadOf<Msg> payload) {
+    return service::PostPayload<Msg>(port_.ChatWindow(), tools_.CurrentSession(),
+                                     std::move(payload));
   }
   void ClickClose() { window_.SendNotify(window_.FindControl("IMWnd_closebtn"), ui::kNotifyClick); }
 
@@ -132,7 +133,7 @@ TEST_F(ImWndTest, MoveMessageMovesTheWindowFreesTheRectangleAndSetsTheChatRecord
     EXPECT_EQ(CIMWnd::ChatRecordHeight(height), expected) << height;  // truncated toward zero
   }
   ShowAt(680);
-  ASSERT_TRUE(PostOwned(platform::msg::kMoveWindow, ui::Rect{30, 40, 830, 640}));
+  ASSERT_TRUE(Post<platform::msg::kMoveWindow>({30, 40, 830, 640}));
   EXPECT_TRUE(PumpUntil([&] {
     ui::Rect r = window_.GetWindowRect();
     return r.left == 30 && r.top == 40 && r.Width() == 800 &&
@@ -159,13 +160,13 @@ TEST_F(ImWndTest, ConversationGoneShowsTheEmptyPageOnlyForTheOpenConversation) {
   window_.FindControl("IMWnd_ChatModule").SelectItem(0);
   service::SetCurrentConversation(u"c2c_10002", 1);
   service::SetCurrentPeerId(u"10002");
-  PostOwned(platform::msg::kConversationDatum, WString(u"c2c_other"));
+  Post<platform::msg::kConversationDatum>(WString(u"c2c_other"));
   platform::PostMessage(port_.ChatWindow(), platform::msg::kConversationDatum, 0, 0);
   ui::test::Pump(50);
   EXPECT_EQ(ChatPage(), 0);
   EXPECT_EQ(service::CurrentPeerId(), u"10002");
 
-  PostOwned(platform::msg::kConversationDatum, WString(u"c2c_10002"));
+  Post<platform::msg::kConversationDatum>(WString(u"c2c_10002"));
   EXPECT_TRUE(PumpUntil([&] { return ChatPage() == CIMWnd::kEmptyChatPage; }));
   EXPECT_EQ(service::CurrentPeerId(), u"");
 }
@@ -173,14 +174,14 @@ TEST_F(ImWndTest, ConversationGoneShowsTheEmptyPageOnlyForTheOpenConversation) {
 TEST_F(ImWndTest, SdkEventRecordIsDispatchedFreedAndMayAskForARecentListRefresh) {
   platform::ScopedTraceCapture trace;
   SdkEventRecord listed{kSdkEventConversationList, R"([{"conv_id":"10002","conv_type":1}])"};
-  ASSERT_TRUE(PostOwned(platform::msg::kSdkEvent, listed));
+  ASSERT_TRUE(Post<platform::msg::kSdkEvent>(listed));
   EXPECT_TRUE(PumpUntil([&] { return trace.Contains("DealConvListFunc"); }));
   ui::test::Pump(30);
   window_.received.clear();
   for (uint8_t flag : {1, 0}) {  // of a kind nobody handles
     SdkEventRecord record;
     record.recent_list_flag = flag;
-    ASSERT_TRUE(PostOwned(platform::msg::kSdkEvent, record));
+    ASSERT_TRUE(Post<platform::msg::kSdkEvent>(record));
   }
   EXPECT_TRUE(PumpUntil([&] { return trace.Count("kind 0 ignored") == 2; }));
   ui::test::Pump(30);
@@ -241,13 +242,13 @@ TEST_F(ImWndTest, PortRequestsFromAnotherThreadAreCarriedOutByTheWindow) {
 
 TEST_F(ImWndTest, DestroyingFreesPayloadsStillQueued) {
   platform::WindowHandle handle = port_.ChatWindow();
-  ASSERT_TRUE(PostOwned(platform::msg::kSdkEvent, SdkEventRecord{}));
-  ASSERT_TRUE(PostOwned(platform::msg::kMoveWindow, ui::Rect{}));
-  ASSERT_TRUE(PostOwned(ui::port_msg::kShowBox, PortBoxRequest{}));
+  ASSERT_TRUE(Post<platform::msg::kSdkEvent>(SdkEventRecord{}));
+  ASSERT_TRUE(Post<platform::msg::kMoveWindow>({}));
+  ASSERT_TRUE(Post<ui::port_msg::kShowBox>(PortBoxRequest{}));
   window_.DestroyChatWindow();
   EXPECT_FALSE(window_.IsCreated());
   EXPECT_EQ(port_.ChatWindow(), platform::WindowHandle::kNone);
-  EXPECT_FALSE(service::Post(handle, platform::msg::kNetworkStatusChanged));
+  EXPECT_FALSE(service::Post<platform::msg::kNetworkStatusChanged>(handle));
 }
 
 // The add menu opens at the lower-left corner of CreateGroupBtn; its first

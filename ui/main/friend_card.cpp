@@ -1,10 +1,9 @@
 #include "ui/main/friend_card.h"
 
-#include <memory>
-
 #include "platform/trace.h"
 #include "platform/window_messages.h"
 #include "service/chat_tools.h"
+#include "service/posting.h"
 #include "ui/main/friend_rules.h"
 
 namespace ui::main {
@@ -76,11 +75,8 @@ void FriendCard::CommitRemarkEdit() {
   ShowRemark(*remark);
   shown->remark = *remark;
   // 3149 carries its text in the second parameter; the window frees it.
-  auto name = std::make_unique<WString>(CChatTools::FriendDisplayName(*shown));
-  if (platform::PostMessage(window_.GetHWND(), platform::msg::kFriendRemarkChanged, 0,
-                            reinterpret_cast<platform::LPARAM>(name.get()))) {
-    name.release();
-  }
+  service::PostPayload<platform::msg::kFriendRemarkChanged>(
+      window_.GetHWND(), service::kNoSession, 0, CChatTools::FriendDisplayName(*shown));
 }
 
 void FriendCard::ShowRemark(const WString& remark) {

@@ -25,6 +25,7 @@
 #include "service/panes/friend_list_source.h"
 #include "service/panes/group_list_source.h"
 #include "service/panes/request_list_source.h"
+#include "service/window_payloads.h"
 #include "ui/kit/window_impl_base.h"
 #include "ui/main/composer.h"
 #include "ui/main/conversation_list_pane.h"
@@ -48,6 +49,15 @@ struct PortBoxRequest {
   WString title;
   WString text;
 };
+
+// The window's own entries in the payload table: a box from another thread,
+// and the control a popup menu reports to (in the second parameter).
+template <>
+struct service::WindowPayload<ui::port_msg::kShowBox>
+    : service::PayloadEntry<PortBoxRequest, false> {};
+template <>
+struct service::WindowPayload<platform::msg::kMenuNotify>
+    : service::PayloadEntry<void, false, ui::Control> {};
 
 class CIMWnd : public ui::WindowImplBase, public ui::main::ChatNavigator {
  public:
@@ -98,6 +108,9 @@ class CIMWnd : public ui::WindowImplBase, public ui::main::ChatNavigator {
   void HideChat();
   // The host's frame, when it is minimised, asks for attention.
   void FlashHostWindowIfMinimised();
+  // The service's message box: owned by the chat window, the host's main
+  // window or nobody (PortBoxRequest::owner).
+  void ShowPortBox(const PortBoxRequest& box);
 
   // --- any thread ---
   platform::WindowHandle CachedHandle() const { return handle_.load(); }

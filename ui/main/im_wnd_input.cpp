@@ -14,7 +14,7 @@
 #include "ui/main/im_wnd.h"
 
 namespace msg = platform::msg;
-using service::AdoptPayload;
+using service::AdoptPostedSecond;
 using ui::EqualsNoCase;
 
 namespace {
@@ -246,8 +246,8 @@ std::optional<ui::LRESULT> CIMWnd::HandleInputMessage(unsigned uMsg, ui::WPARAM 
       }
       return std::nullopt;
     case msg::kMenuNotify: {
-      std::unique_ptr<ui::Control> target = AdoptPayload<ui::Control>(lParam);
-      if (target && *target) SendNotify(*target, ui::kNotifyMenu, wParam, 0);
+      auto target = AdoptPostedSecond<msg::kMenuNotify>(lParam);
+      if (target && target->value) SendNotify(target->value, ui::kNotifyMenu, wParam, 0);
       return passOn();
     }
     case msg::kEmoticonChosen: {
@@ -256,8 +256,8 @@ std::optional<ui::LRESULT> CIMWnd::HandleInputMessage(unsigned uMsg, ui::WPARAM 
       return result;
     }
     case msg::kFriendRemarkChanged: {
-      std::unique_ptr<WString> remark = AdoptPayload<WString>(lParam);
-      if (remark) friends_->OnRemarkChanged(*remark);
+      auto remark = AdoptPostedSecond<msg::kFriendRemarkChanged>(lParam);
+      if (remark) friends_->OnRemarkChanged(remark->value);
       return WindowImplBase::HandleMessage(uMsg, wParam, 0);
     }
     case msg::kComposerCut:

@@ -14,7 +14,21 @@
 #include "ui/main/im_wnd.h"
 
 namespace msg = platform::msg;
-using service::AdoptPayload;
+
+namespace {
+
+// A payload of a session that has ended belongs to a user who is gone.
+template <typename P>
+bool OfSession(const CChatTools& tools, const std::unique_ptr<P>& posted) {
+  if (!posted) return false;
+  if (tools.IsCurrentSession(posted->session)) return true;
+  platform::Trace("CIMWnd: a payload of an ended session is dropped");
+  return false;
+}
+
+}  // namespace
+using service::AdoptPosted;
+using service::AdoptPostedSecond;
 
 ui::LRESULT CIMWnd::HandleMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam) {
   if (destroying_ && uMsg != ui::kWmClose) {
@@ -34,34 +48,40 @@ ui::LRESULT CIMWnd::HandleMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM l
 bool CIMWnd::HandleServiceMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM) {
   switch (uMsg) {
     case msg::kSdkEvent: {
-      std::unique_ptr<SdkEventRecord> record = AdoptPayload<SdkEventRecord>(wParam);
+      auto record = AdoptPosted<msg::kSdkEvent>(wParam);
       if (!record) return true;
-      tools_.DispatchSdkEvent(*record);
-      if (record->recent_list_flag != 0) {
-        service::Post(GetHWND(), msg::kRecentConversationsChanged);
+      tools_.DispatchSdkEvent(record->value, record->session);
+      if (record->value.recent_list_flag != 0) {
+        service::Post<msg::kRecentConversationsChanged>(GetHWND());
       }
       return true;
     }
     case msg::kMoveWindow: {
-      std::unique_ptr<ui::Rect> rect = AdoptPayload<ui::Rect>(wParam);
-      if (rect) MoveWindow(*rect);
+      if (auto rect = AdoptPosted<msg::kMoveWindow>(wParam)) {
+        MoveWindow({rect->value.left, rect->value.top, rect->value.right, rect->value.bottom});
+      }
       return true;
     }
     case msg::kNetworkStatusChanged:
       SetNetworkStatus();
       return true;
     case msg::kMessageListArrived:
-      tools_.OnMsgListArrived(AdoptPayload<std::string>(wParam));
+      if (auto page = AdoptPosted<msg::kMessageListArrived>(wParam)) {
+        tools_.OnMsgListArrived(std::move(page->value), page->session);
+      }
       return true;
     case msg::kFriendDeleted:
-      tools_.OnFriendsDeleted(AdoptPayload<std::string>(wParam));
+      if (auto ids = AdoptPosted<msg::kFriendDeleted>(wParam)) {
+        tools_.OnFriendsDeleted(ids->value, ids->session);
+      }
       return true;
     case msg::kReloadGroupsFromHost:
       tools_.LoadHostGroups();
       return true;
     case msg::kConversationDatum: {
-      std::unique_ptr<WString> convId = AdoptPayload<WString>(wParam);
-      if (convId) OnConversationGone(*convId);
+      if (auto convId = AdoptPosted<msg::kConversationDatum>(wParam)) {
+        OnConversationGone(convId->value);
+      }
       return true;
     }
     case msg::kClearComposer:
@@ -71,8 +91,9 @@ bool CIMWnd::HandleServiceMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM) 
       RefreshMessageView(static_cast<int>(wParam));
       return true;
     case msg::kDrawingSyncNotice:
-      if (auto message = AdoptPayload<MessageStru>(wParam))
-        messageView_->OnMessageChanged(*message);
+      if (auto message = AdoptPosted<msg::kDrawingSyncNotice>(wParam); OfSession(tools_, message)) {
+        messageView_->OnMessageChanged(message->value);
+      }
       return true;
     case msg::kTransferStateChanged:
       messageView_->OnTransferChanged(wParam, 0);
@@ -92,18 +113,22 @@ bool CIMWnd::HandleListMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lPar
       conversations_->UpdateRencentConvList();
       return true;
     case msg::kConversationSummaryChanged:
-      if (auto convId = AdoptPayload<WString>(wParam)) conversations_->UpdateSummary(*convId);
+      if (auto convId = AdoptPosted<msg::kConversationSummaryChanged>(wParam);
+          OfSession(tools_, convId)) {
+        conversations_->UpdateSummary(convId->value);
+      }
       return true;
     case msg::kConversationLogoChanged:
-      if (auto id = AdoptPayload<WString>(wParam)) {
-        conversations_->UpdatePicture(*id);
-        friends_->UpdatePicture(*id);
+      if (auto convId = AdoptPosted<msg::kConversationLogoChanged>(wParam);
+          OfSession(tools_, convId)) {
+        conversations_->UpdatePicture(convId->value);
+        friends_->UpdatePicture(convId->value);
       }
       return true;
     case msg::kConversationNameChanged: {
-      std::unique_ptr<WString> convId = AdoptPayload<WString>(wParam);
-      std::unique_ptr<WString> name = AdoptPayload<WString>(lParam);
-      if (convId && name) conversations_->UpdateName(*convId, *name);
+      auto convId = AdoptPosted<msg::kConversationNameChanged>(wParam);
+      auto name = AdoptPostedSecond<msg::kConversationNameChanged>(lParam);
+      if (OfSession(tools_, convId) && name) conversations_->UpdateName(convId->value, name->value);
       return true;
     }
     case msg::kUnreadMarker:
@@ -112,7 +137,7 @@ bool CIMWnd::HandleListMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lPar
     case msg::kFriendRequestsChanged:
       friends_->RefreshRequests();
       conversations_->MarkFriendsButton();
-      service::Post(GetHWND(), msg::kFriendListChanged);
+      service::Post<msg::kFriendListChanged>(GetHWND());
       return true;
     case msg::kFriendListChanged:
       friends_->UpdateFriendList();
@@ -133,8 +158,10 @@ bool CIMWnd::HandleListMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lPar
       friends_->CommitRemarkEdit();
       return true;
     case msg::kFriendRequestHandled:
-      if (auto answer = AdoptPayload<FriendRequestResult>(wParam))
-        friends_->OnRequestAnswered(*answer);
+      if (auto answer = AdoptPosted<msg::kFriendRequestHandled>(wParam);
+          OfSession(tools_, answer)) {
+        friends_->OnRequestAnswered(answer->value);
+      }
       return true;
     case msg::kFriendRequestAccepted:
       friends_->RefetchProfiles();
@@ -190,12 +217,7 @@ void CIMWnd::OnConversationGone(const WString& convId) {
 bool CIMWnd::HandlePortMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM) {
   switch (uMsg) {
     case ui::port_msg::kShowBox: {
-      std::unique_ptr<PortBoxRequest> box = AdoptPayload<PortBoxRequest>(wParam);
-      if (box) {
-        ui::WindowImplBase* owner =
-            box->owner == static_cast<int>(service::BoxOwner::kChatWindow) ? this : nullptr;
-        CChatMessageBox(box->title, box->text, owner, CChatMessageBox::kNotice);
-      }
+      if (auto box = AdoptPosted<ui::port_msg::kShowBox>(wParam)) ShowPortBox(box->value);
       return true;
     }
     case ui::port_msg::kResetWindow:
@@ -212,46 +234,24 @@ bool CIMWnd::HandlePortMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM) {
   }
 }
 
+void CIMWnd::ShowPortBox(const PortBoxRequest& box) {
+  ui::WindowImplBase* owner =
+      box.owner == static_cast<int>(service::BoxOwner::kChatWindow) ? this : nullptr;
+  CChatMessageBox(box.title, box.text, owner, CChatMessageBox::kNotice);
+}
+
 bool CIMWnd::DropPayload(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam) {
+  // The window's own entries first, then the service's table.
   switch (uMsg) {
-    case msg::kSdkEvent:
-      AdoptPayload<SdkEventRecord>(wParam);
-      break;
-    case msg::kMoveWindow:
-      AdoptPayload<ui::Rect>(wParam);
-      break;
-    case msg::kMessageListArrived:
-    case msg::kFriendDeleted:
-      AdoptPayload<std::string>(wParam);
-      break;
-    case msg::kConversationDatum:
-    case msg::kConversationLogoChanged:
-    case msg::kConversationSummaryChanged:
-      AdoptPayload<WString>(wParam);
-      break;
-    case msg::kFriendRemarkChanged:
-      AdoptPayload<WString>(lParam);
-      break;
-    case msg::kDrawingSyncNotice:
-      AdoptPayload<MessageStru>(wParam);
-      break;
-    case msg::kFriendRequestHandled:
-      AdoptPayload<FriendRequestResult>(wParam);
-      break;
-    case msg::kConversationNameChanged:
-      AdoptPayload<WString>(wParam);
-      AdoptPayload<WString>(lParam);
-      break;
     case ui::port_msg::kShowBox:
-      AdoptPayload<PortBoxRequest>(wParam);
-      break;
+      service::DropPostedOf<ui::port_msg::kShowBox>(wParam, lParam);
+      return true;
     case msg::kMenuNotify:
-      AdoptPayload<ui::Control>(lParam);
-      break;
+      service::DropPostedOf<msg::kMenuNotify>(wParam, lParam);
+      return true;
     default:
-      return false;
+      return service::DropPosted(uMsg, wParam, lParam);
   }
-  return true;
 }
 
 ui::LRESULT CIMWnd::HandleCustomMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam,

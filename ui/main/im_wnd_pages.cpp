@@ -63,7 +63,7 @@ void CIMWnd::UpdateCovnID(const WString& convId, uint32_t convType, int mode) {
       break;
     case 5:
       pages(kFriendsPage, kRequestsPage);
-      if (tools_.PendingRequests().empty()) tools_.RequestPendencyList(2);
+      if (tools_.PendingRequests().empty()) tools_.RequestPendencyList(kPendencyListRefresh);
       tools_.SetUnread(u"-1", false);
       service::Post(GetHWND(), msg::kRefreshNewFriendEntry);
       service::Post(GetHWND(), msg::kFriendRequestListChanged);

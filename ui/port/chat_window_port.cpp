@@ -27,16 +27,13 @@ platform::WindowHandle ChatWindowPort::ChatWindow() const {
 
 void ChatWindowPort::ShowMessageBox(service::BoxOwner owner, const WString& title,
                                     const WString& text) {
+  PortBoxRequest box{static_cast<int>(owner), title, text};
   if (Direct()) {
-    WindowImplBase* boxOwner = owner == service::BoxOwner::kChatWindow ? &window_ : nullptr;
-    CChatMessageBox(title, text, boxOwner, CChatMessageBox::kNotice);
+    window_.ShowPortBox(box);
     return;
   }
-  auto box = std::make_unique<PortBoxRequest>();
-  box->owner = static_cast<int>(owner);
-  box->title = title;
-  box->text = text;
-  if (!service::PostOwned(window_.CachedHandle(), port_msg::kShowBox, std::move(box))) {
+  if (!service::PostPayload<port_msg::kShowBox>(window_.CachedHandle(), service::kNoSession,
+                                                std::move(box))) {
     TraceBox("no chat window for the box", title, text);
   }
 }
@@ -54,7 +51,7 @@ void ChatWindowPort::ResetWindow() {
   if (Direct()) {
     window_.ResetChatWindow();
   } else {
-    service::Post(window_.CachedHandle(), port_msg::kResetWindow);
+    service::Post<port_msg::kResetWindow>(window_.CachedHandle());
   }
 }
 
@@ -66,7 +63,7 @@ void ChatWindowPort::HideWindow() {
   if (Direct()) {
     window_.HideChat();
   } else {
-    service::Post(window_.CachedHandle(), port_msg::kHideWindow);
+    service::Post<port_msg::kHideWindow>(window_.CachedHandle());
   }
 }
 
@@ -74,7 +71,7 @@ void ChatWindowPort::FlashHostWindowIfMinimised() {
   if (Direct()) {
     window_.FlashHostWindowIfMinimised();
   } else {
-    service::Post(window_.CachedHandle(), port_msg::kFlashHost);
+    service::Post<port_msg::kFlashHost>(window_.CachedHandle());
   }
 }
 

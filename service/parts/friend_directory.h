@@ -1,0 +1,48 @@
+#pragma once
+// The friend directory: the friends, the pending friend requests with the
+// sequence their paging continues from, and the profiles of other users.
+// One lock, held only inside these calls; readers get copies.
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "platform/strings.h"
+#include "records/profile_records.h"
+#include "service/service_records.h"
+
+namespace service {
+
+class FriendDirectory {
+ public:
+  void Clear();
+
+  void ReplaceFriends(std::vector<FriendsList_Stru> friends);
+  std::vector<FriendsList_Stru> Friends() const;
+  std::optional<FriendsList_Stru> FindFriend(const WString& id) const;
+  void RemoveFriends(const std::vector<WString>& ids);
+
+  // A page replaces the requests; those the user accepted stay, marked.
+  // Returns the requesters whose profiles are not known yet.
+  std::vector<WString> ReplaceRequests(PendencyPage page);
+  // Marks the request of `id` accepted.
+  void MarkAccepted(const WString& id);
+  std::vector<PendingFriendRequest> Requests() const;
+  uint64_t PendencySequence() const;
+  // The next page starts from the newest requests again.
+  void RestartPaging();
+
+  void StoreProfiles(std::vector<UserProfile> profiles);
+  std::optional<UserProfile> FindProfile(const WString& id) const;
+
+ private:
+  mutable std::mutex mutex_;
+  std::vector<FriendsList_Stru> friends_;
+  std::map<WString, UserProfile> profiles_;
+  std::vector<PendingFriendRequest> requests_;
+  uint64_t pendency_seq_ = 0;
+};
+
+}  // namespace service
