@@ -19,6 +19,21 @@ bool Post(platform::WindowHandle window, unsigned msg, platform::WPARAM wParam,
 
 namespace {
 
+constexpr bool IsListed(unsigned msg) {
+  for (unsigned listed : kPayloadMessages) {
+    if (listed == msg) return true;
+  }
+  return false;
+}
+
+// A message given a payload in the table but missing from the list would
+// leak whenever the window drops it.
+template <unsigned First, size_t... I>
+constexpr bool EveryPayloadListed(std::index_sequence<I...>) {
+  return ((!CarriesPayload<First + I> || IsListed(First + I)) && ...);
+}
+static_assert(EveryPayloadListed<3000>(std::make_index_sequence<300>{}));
+
 template <size_t... I>
 bool DropAny(unsigned msg, platform::WPARAM wParam, platform::LPARAM lParam,
              std::index_sequence<I...>) {

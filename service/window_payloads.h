@@ -80,7 +80,8 @@ template <> struct WindowPayload<msg_::kMoveWindow> : PayloadEntry<WindowRect, f
 template <> struct WindowPayload<msg_::kFriendRemarkChanged> : PayloadEntry<void, false, WString> {};
 // clang-format on
 
-// Every message above, for code that must free any payload (DropPosted).
+// Every message above, for code that must free any payload (DropPosted;
+// posting.cpp checks at compile time that none is missing).
 inline constexpr unsigned kPayloadMessages[] = {msg_::kSdkEvent,
                                                 msg_::kMessageListArrived,
                                                 msg_::kFriendDeleted,
@@ -88,8 +89,10 @@ inline constexpr unsigned kPayloadMessages[] = {msg_::kSdkEvent,
                                                 msg_::kConversationNameChanged,
                                                 msg_::kDrawingSyncNotice,
                                                 msg_::kFriendRequestHandled,
+                                                msg_::kConversationSummaryChanged,
                                                 msg_::kConversationDatum,
-                                                msg_::kMoveWindow};
+                                                msg_::kMoveWindow,
+                                                msg_::kFriendRemarkChanged};
 
 template <unsigned Msg>
 concept CarriesPayload = requires {
