@@ -76,7 +76,9 @@ TEST_F(SendingTest, TextSendIsShownSentAndStoredOnce) {
   // the same unique id it adds no row.
   const std::string echo = engine.LastMessageJson("10001", 1, "10002");
   ASSERT_FALSE(echo.empty());
-  CChatTools::TIMMsgSendNewMsgFunc(0, "", echo.c_str(), new uint32_t(localId));
+  // An id copy the pending sends did not hand out is never read nor freed.
+  uint32_t echoedId = localId;
+  CChatTools::TIMMsgSendNewMsgFunc(0, "", echo.c_str(), &echoedId);
   MessageStru again = *sent;
   tools->OnSendMsgUpdateCallback(echo, again, 0);
   DrainNow();
@@ -137,8 +139,9 @@ TEST_F(SendingTest, FailedSendsAreMarkedAndLeaveTheirNoticeAsKindMinusOneRow) {
 TEST_F(SendingTest, ResultForAnUnknownIdDoesNothing) {
   ASSERT_TRUE(SignIn());
   ClearSeen();
-  CChatTools::TIMMsgSendNewMsgFunc(0, "", "{}", new uint32_t(123456));
-  CChatTools::TIMMsgSendNewMsgFunc(9519, "", "{}", new uint32_t(654321));
+  uint32_t unknown[] = {123456, 654321};
+  CChatTools::TIMMsgSendNewMsgFunc(0, "", "{}", &unknown[0]);
+  CChatTools::TIMMsgSendNewMsgFunc(9519, "", "{}", &unknown[1]);
   CChatTools::TIMMsgSendNewMsgFunc(0, "", "{}", nullptr);
   DrainNow();
   EXPECT_EQ(CountSeen(msg::kTransferStateChanged) + CountSeen(msg::kRefreshMessageView), 0u);
@@ -178,7 +181,8 @@ TEST_F(SendingTest, DrawingPlaceholderHandsItsIdToTheRealMessage) {
   EXPECT_EQ(StatusOf(placeholder), static_cast<uint32_t>(kSending));
   EXPECT_EQ(tools->FindPendingSend(placeholder)->elems.at(0).drawing.fileName, u"plan.dwg");
   // A result naming the placeholder before it was sent is not its result.
-  CChatTools::TIMMsgSendNewMsgFunc(0, "", "{}", new uint32_t(placeholder));
+  uint32_t notHandedOut = placeholder;
+  CChatTools::TIMMsgSendNewMsgFunc(0, "", "{}", &notHandedOut);
   EXPECT_EQ(StatusOf(placeholder), static_cast<uint32_t>(kSending));
 
   ASSERT_TRUE(tools->OnSenddrawingFileElem(u"10002", 1, drawing, placeholder));
