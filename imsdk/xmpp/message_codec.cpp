@@ -53,9 +53,9 @@ std::string ReadableBody(const Json::Value& elems) {
 }
 
 Stanza BuildChatMessage(xmpp_ctx_t* ctx, const std::string& to, const std::string& origin_id,
-                        const Json::Value& elems) {
+                        const Json::Value& elems, const char* type) {
   Stanza message(ctx, "message");
-  message.Attr("type", "chat").Attr("to", to).Attr("id", origin_id);
+  message.Attr("type", type).Attr("to", to).Attr("id", origin_id);
   message.AddText("body", ReadableBody(elems));
   message.Add(Stanza(ctx, "origin-id").Ns(ns::kStanzaId).Attr("id", origin_id));
   Stanza payload(ctx, "elems");
@@ -66,13 +66,12 @@ Stanza BuildChatMessage(xmpp_ctx_t* ctx, const std::string& to, const std::strin
   return message;
 }
 
-std::optional<WireMessage> ReadChatMessage(xmpp_stanza_t* message, const std::string& archive_owner,
-                                           std::string* why) {
-  const std::string type = AttrOf(message, "type");
-  if (type == "error" || type == "groupchat" || type == "headline") {
-    *why = "a message of type " + type;
-    return std::nullopt;
-  }
+namespace {
+
+// What both kinds of message carry; `archive_owner` names whose archive ids
+// are trusted.
+std::optional<WireMessage> ReadContent(xmpp_stanza_t* message, const std::string& archive_owner,
+                                       std::string* why) {
   WireMessage out;
   out.from_bare = BareJid(AttrOf(message, "from"));
   out.to_bare = BareJid(AttrOf(message, "to"));
@@ -114,6 +113,34 @@ std::optional<WireMessage> ReadChatMessage(xmpp_stanza_t* message, const std::st
   return out;
 }
 
+}  // namespace
+
+std::optional<WireMessage> ReadChatMessage(xmpp_stanza_t* message, const std::string& archive_owner,
+                                           std::string* why) {
+  const std::string type = AttrOf(message, "type");
+  if (type == "error" || type == "groupchat" || type == "headline") {
+    *why = "a message of type " + type;
+    return std::nullopt;
+  }
+  return ReadContent(message, archive_owner, why);
+}
+
+std::optional<WireMessage> ReadGroupMessage(xmpp_stanza_t* message, std::string* why) {
+  if (AttrOf(message, "type") != "groupchat") {
+    *why = "not a group message";
+    return std::nullopt;
+  }
+  const std::string from = AttrOf(message, "from");
+  const size_t slash = from.find('/');
+  if (slash == std::string::npos || slash + 1 == from.size()) {
+    *why = "no content";  // the room's own notices (subject, status)
+    return std::nullopt;
+  }
+  auto out = ReadContent(message, BareJid(from), why);
+  if (out) out->nick = from.substr(slash + 1);
+  return out;
+}
+
 uint64_t Hash63(const std::string& text) {
   uint64_t h = 1469598103934665603ULL;  // FNV-1a
   for (unsigned char c : text) {
@@ -125,7 +152,10 @@ uint64_t Hash63(const std::string& text) {
 }
 
 uint64_t MessageIdFor(const WireMessage& msg) {
-  if (!msg.origin_id.empty()) return Hash63(msg.from_bare + "\n" + msg.origin_id);
+  if (!msg.origin_id.empty()) {
+    const std::string sender = msg.nick.empty() ? msg.from_bare : msg.from_bare + "/" + msg.nick;
+    return Hash63(sender + "\n" + msg.origin_id);
+  }
   return Hash63("archive\n" + msg.archive_id);
 }
 

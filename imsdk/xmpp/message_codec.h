@@ -15,7 +15,8 @@
 namespace imsdk::xmpp {
 
 struct WireMessage {
-  std::string from_bare;  // sender's bare JID
+  std::string from_bare;  // sender's bare JID (a group message: the room's)
+  std::string nick;       // a group message: the sender's nick in the room
   std::string to_bare;
   std::string origin_id;     // the sender's id (XEP-0359), may be empty
   std::string archive_id;    // the archive's id for the owner's archive, may be empty
@@ -26,9 +27,10 @@ struct WireMessage {
 // The readable fallback text of an element array.
 std::string ReadableBody(const Json::Value& elems);
 
-// Builds <message type="chat"> to `to` with id and origin-id `origin_id`.
+// Builds <message type="chat"> (or `type`) to `to` with id and origin-id
+// `origin_id`.
 Stanza BuildChatMessage(xmpp_ctx_t* ctx, const std::string& to, const std::string& origin_id,
-                        const Json::Value& elems);
+                        const Json::Value& elems, const char* type = "chat");
 
 // Reads a chat message (live, or the inner message of an archive result).
 // `archive_owner` is the bare JID whose archive ids (<stanza-id by=...>) are
@@ -36,10 +38,13 @@ Stanza BuildChatMessage(xmpp_ctx_t* ctx, const std::string& to, const std::strin
 // errors) or cannot be read; `why` then says why, for a trace.
 std::optional<WireMessage> ReadChatMessage(xmpp_stanza_t* message, const std::string& archive_owner,
                                            std::string* why);
+// Reads a message of a room (type "groupchat", from room/nick); the room's
+// archive ids are trusted.
+std::optional<WireMessage> ReadGroupMessage(xmpp_stanza_t* message, std::string* why);
 
 // A message id for the C API: below 2^63 and the same whether the message
-// arrives live or from the archive (derived from the sender and its
-// origin-id, or else from the archive id).
+// arrives live or from the archive (derived from the sender, its nick in a
+// room, and its origin-id, or else from the archive id).
 uint64_t MessageIdFor(const WireMessage& msg);
 // A stable 63-bit hash of a text.
 uint64_t Hash63(const std::string& text);

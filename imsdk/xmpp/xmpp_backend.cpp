@@ -1,5 +1,5 @@
 // Start, sign-in and sign-out, the stream's events and the dispatch of
-// incoming stanzas; group requests, which this backend does not carry yet.
+// incoming stanzas.
 #include "imsdk/xmpp/xmpp_backend.h"
 
 #include <cstdarg>
@@ -125,12 +125,22 @@ void XmppBackend::OnStreamReady(bool) {
         done(TIM_ERR_NETWORK, "the server did not send the contact list", "");
         return;
       }
-      phase_ = kSignedIn;
-      done(TIM_SUCC, "", "");
-      CatchUp();
-      // Offline messages and pending requests follow the initial presence,
-      // so they reach the callbacks after the sign-in's result.
-      SendInitialPresence();
+      // Then the groups: the joined-group list must be there with the result.
+      FetchBookmarks([this, done](bool ok) {
+        if (!ok) {
+          Trace("sign-in stopped: the group bookmarks could not be read");
+          EndSession();
+          done(TIM_ERR_NETWORK, "the server did not send the group list", "");
+          return;
+        }
+        phase_ = kSignedIn;
+        done(TIM_SUCC, "", "");
+        CatchUp();
+        // Offline messages and pending requests follow the initial presence,
+        // so they reach the callbacks after the sign-in's result.
+        SendInitialPresence();
+        EnterRooms();
+      });
     });
     return;
   }
@@ -138,6 +148,8 @@ void XmppBackend::OnStreamReady(bool) {
   FetchRoster([this](bool) {
     SendInitialPresence();
     CatchUp();
+    // A resumed stream is still in its rooms; entering again is harmless.
+    EnterRooms();
   });
 }
 
@@ -171,6 +183,7 @@ void XmppBackend::OnSignInFailed(LoginFailure why, const std::string& detail) {
 void XmppBackend::OnConnectionLost(const std::string& detail) {
   if (phase_.load() != kSignedIn) return;
   FlushIncoming();
+  for (auto& [group, room] : rooms_) room.joined = false;
   Emit(Event{EventKind::kNetworkStatus, "", kTIMDisconnected, TIM_ERR_NETWORK, 0, detail});
   Emit(Event{EventKind::kNetworkStatus, "", kTIMConnecting, 0, 0, ""});
 }
@@ -205,6 +218,8 @@ void XmppBackend::EndSession() {
   roster_.clear();
   history_.clear();
   profile_versions_.clear();
+  rooms_.clear();
+  room_last_ids_.clear();
   store_.Close();
   phase_ = kSignedOut;
 }
@@ -229,7 +244,11 @@ void XmppBackend::OnStanza(xmpp_stanza_t* stanza) {
   if (name == "message") {
     OnMessage(stanza);
   } else if (name == "presence") {
-    OnPresence(stanza);
+    if (DomainPart(AttrOf(stanza, "from")) == config_.muc_domain) {
+      OnRoomPresence(stanza);
+    } else {
+      OnPresence(stanza);
+    }
   } else if (name == "iq") {
     const std::string type = AttrOf(stanza, "type");
     if (type == "set" && ChildOf(stanza, "query", ns::kRoster) != nullptr) {
@@ -245,45 +264,6 @@ void XmppBackend::OnStanza(xmpp_stanza_t* stanza) {
 
 void XmppBackend::OnIdle() {
   FlushIncoming();
-}
-
-// ---- Groups: carried by a later version of this backend. ----
-
-namespace {
-int NoGroups(const char* what) {
-  platform::Trace("xmpp: %s refused: groups are not available on this server backend yet", what);
-  return TIM_ERR_FAILED;
-}
-}  // namespace
-
-int XmppBackend::GetJoinedGroups(ResultFn done) {
-  return WhenSignedIn([done] { done(TIM_SUCC, "", "[]"); });
-}
-
-int XmppBackend::GetGroupInfos(const Json::Value&, ResultFn done) {
-  return WhenSignedIn([done] { done(TIM_SUCC, "", "[]"); });
-}
-
-int XmppBackend::CreateGroup(const Json::Value&, ResultFn) {
-  return NoGroups("TIMGroupCreate");
-}
-int XmppBackend::DisbandGroup(const std::string&, ResultFn) {
-  return NoGroups("TIMGroupDelete");
-}
-int XmppBackend::QuitGroup(const std::string&, ResultFn) {
-  return NoGroups("TIMGroupQuit");
-}
-int XmppBackend::InviteMembers(const Json::Value&, ResultFn) {
-  return NoGroups("TIMGroupInviteMember");
-}
-int XmppBackend::RemoveMembers(const Json::Value&, ResultFn) {
-  return NoGroups("TIMGroupDeleteMember");
-}
-int XmppBackend::ModifyGroup(const Json::Value&, ResultFn) {
-  return NoGroups("TIMGroupModifyGroupInfo");
-}
-int XmppBackend::GetMembers(const Json::Value&, ResultFn) {
-  return NoGroups("TIMGroupGetMemberInfoList");
 }
 
 int XmppBackend::Download(const Json::Value&, const std::string&, ResultFn done) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "imsdk/backend.h"
+#include "imsdk/xmpp/group_codec.h"
 #include "imsdk/xmpp/local_store.h"
 #include "imsdk/xmpp/message_codec.h"
 #include "imsdk/xmpp/xmpp_config.h"
@@ -97,7 +98,12 @@ class XmppBackend final : public Backend, public LinkListener {
   // Stores a received message; queues it for the new-message callback
   // unless it is a duplicate.
   void AcceptIncoming(const WireMessage& wire);
-  Json::Value MessageValue(const std::string& conv_id, const std::string& sender,
+  void AcceptGroupMessage(const std::string& group, const WireMessage& wire);
+  void QueueIncoming(int conv_type, const std::string& conv_id, const std::string& sender,
+                     const WireMessage& wire);
+  // Sends a message and answers `done` once the server routed or refused it.
+  void SendConfirmed(const std::string& to, int type, const Json::Value& msg, ResultFn done);
+  Json::Value MessageValue(int conv_type, const std::string& conv_id, const std::string& sender,
                            uint64_t unique_id, uint64_t time, bool from_self, bool is_read,
                            const Json::Value& elems) const;
   void FlushIncoming();
@@ -112,6 +118,38 @@ class XmppBackend final : public Backend, public LinkListener {
   static constexpr const char* kLastArchiveIdKey = "last_archive_id";
   // True when `stanza` is an archive result (used or dropped).
   bool OnArchiveResult(xmpp_stanza_t* stanza);
+  // Fetches what a room's archive holds after the last message seen there.
+  void CatchUpRoom(const std::string& group);
+
+  // Groups (xmpp_groups.cpp: requests; xmpp_group_events.cpp: what rooms tell).
+  std::string RoomJid(const std::string& group) const { return group + "@" + config_.muc_domain; }
+  // The group id of a room JID ("" for other services).
+  std::string GroupOf(const std::string& jid) const;
+  // Reads the bookmarked rooms into rooms_.
+  void FetchBookmarks(std::function<void(bool ok)> then);
+  void PublishBookmark(const std::string& group);
+  // Joins every bookmarked room and catches up on each.
+  void EnterRooms();
+  // Joins (after checking the room still exists) and reads its members.
+  void JoinRoom(const std::string& group, std::function<void(int code)> then);
+  void RefreshMembers(const std::string& group, std::function<void(int code)> then);
+  // Drops a room we no longer belong to: its state, bookmark and occupant.
+  void ForgetRoom(const std::string& group);
+  void OnRoomPresence(xmpp_stanza_t* stanza);
+  // True when `stanza` was a room's notice or an invitation (used or dropped).
+  bool OnRoomNotice(xmpp_stanza_t* stanza);
+  void OnInvitation(const std::string& group, const std::string& inviter);
+  // Applies a member's new affiliation and posts the tip it means. `op` is
+  // who did it ("" unknown).
+  void ApplyAffiliation(const std::string& group, const std::string& user,
+                        const std::string& affiliation, const std::string& op);
+  // Puts a tips or report element into the group's conversation (and the
+  // tips callback for tips).
+  void PostGroupNotice(const std::string& group, const std::string& op, const Json::Value& elem);
+  // Sets affiliations one after the other; `then` gets one code per entry.
+  void SetAffiliations(const std::string& group,
+                       std::vector<std::pair<std::string, std::string>> changes,
+                       std::shared_ptr<std::vector<int>> codes, std::function<void()> then);
 
   // Friends and profiles (xmpp_friends.cpp).
   void OnRosterPush(xmpp_stanza_t* iq);
@@ -146,6 +184,8 @@ class XmppBackend final : public Backend, public LinkListener {
   std::map<std::string, std::shared_ptr<HistoryQuery>> history_;  // by query id
   std::map<std::string, Json::Value> profiles_;                   // profiles read, by user id
   std::map<std::string, std::string> profile_versions_;           // friends' announced versions
+  std::map<std::string, RoomState> rooms_;                        // groups we belong to, by id
+  std::map<std::string, std::string> room_last_ids_;  // newest archive id received per room
 };
 
 }  // namespace imsdk::xmpp

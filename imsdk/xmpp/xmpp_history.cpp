@@ -17,7 +17,8 @@ constexpr int kMostPages = 40;
 }  // namespace
 
 struct XmppBackend::HistoryQuery {
-  std::string peer;
+  int conv_type = kTIMConv_C2C;
+  std::string peer;  // the peer, or the group
   int count = 20;
   bool forward = false;
   uint64_t anchor = 0;
@@ -30,9 +31,10 @@ struct XmppBackend::HistoryQuery {
   std::vector<Json::Value> page;  // this page's messages, in archive order
   Json::Value collected{Json::arrayValue};
   ResultFn done;
-  // Catching up after a return: every conversation, from the last archive
-  // id seen, each message handed to the new-message callback.
+  // Catching up after a return: every conversation (or one room), from the
+  // last archive id seen, each message handed to the new-message callback.
   bool catch_up = false;
+  std::string start;  // a room's catch-up without a known id: since this time
 };
 
 void XmppBackend::CatchUp() {
@@ -49,6 +51,26 @@ void XmppBackend::CatchUp() {
   QueryArchivePage(query);
 }
 
+void XmppBackend::CatchUpRoom(const std::string& group) {
+  auto query = std::make_shared<HistoryQuery>();
+  query->catch_up = true;
+  query->conv_type = kTIMConv_Group;
+  query->peer = group;
+  query->forward = true;
+  query->count = std::numeric_limits<int>::max();
+  query->cursor = store_.Setting("room_last_archive_id:" + group);
+  if (query->cursor.empty()) {
+    // Never received anything there: whatever came since we joined.
+    const std::string joined = store_.Setting("room_joined:" + group);
+    if (joined.empty()) return;
+    query->start = joined;
+  }
+  query->done = [this, group](int code, const std::string& desc, const std::string&) {
+    if (code != TIM_SUCC) Trace("catching up in group %s failed: %s", group.c_str(), desc.c_str());
+  };
+  QueryArchivePage(query);
+}
+
 int XmppBackend::GetMessages(const std::string& id, int type, const Json::Value& param,
                              ResultFn done) {
   ParamReader reader(param);
@@ -61,8 +83,12 @@ int XmppBackend::GetMessages(const std::string& id, int type, const Json::Value&
   if (!reader.ok() || !last_reader.ok()) return TIM_ERR_INVALID_JSON;
   if (count < 1 || count > 1000) return TIM_ERR_INVALID_PARAM;
   return WhenSignedIn([this, id, type, count, forward, anchor, done] {
-    if (type != kTIMConv_C2C || !IsValidLocalPart(id)) return done(TIM_SUCC, "", "[]");
+    if (!IsValidLocalPart(id)) return done(TIM_SUCC, "", "[]");
+    if (type == kTIMConv_Group && rooms_.count(id) == 0) {
+      return done(TIM_ERR_NOT_GROUP_MEMBER, "not a member of this group", "");
+    }
     auto query = std::make_shared<HistoryQuery>();
+    query->conv_type = type;
     query->peer = id;
     query->count = static_cast<int>(count);
     query->forward = forward;
@@ -89,15 +115,22 @@ void XmppBackend::QueryArchivePage(std::shared_ptr<HistoryQuery> query) {
   Stanza form_type(ctx, "field");
   form_type.Attr("var", "FORM_TYPE").Attr("type", "hidden").AddText("value", ns::kMam);
   form.Add(form_type);
-  if (!query->catch_up) {
+  const bool room = query->conv_type == kTIMConv_Group;
+  if (!query->catch_up && !room) {
     Stanza with(ctx, "field");
     with.Attr("var", "with").AddText("value", JidOf(query->peer));
     form.Add(with);
   }
+  if (!query->start.empty() && query->cursor.empty()) {
+    Stanza start(ctx, "field");
+    start.Attr("var", "start").AddText("value", query->start);
+    form.Add(start);
+  }
   Stanza set(ctx, "set");
   set.Ns(ns::kRsm).AddText("max", std::to_string(kPageSize));
   if (query->forward) {
-    set.AddText("after", query->cursor);
+    // Without a cursor: from the start time on.
+    if (!query->cursor.empty()) set.AddText("after", query->cursor);
   } else if (query->cursor.empty()) {
     set.Add(Stanza(ctx, "before"));  // the last page
   } else {
@@ -107,6 +140,7 @@ void XmppBackend::QueryArchivePage(std::shared_ptr<HistoryQuery> query) {
   mam.Ns(ns::kMam).Attr("queryid", query->query_id).Add(form).Add(set);
   Stanza iq(ctx, "iq");
   iq.Attr("type", "set").Add(mam);
+  if (room) iq.Attr("to", RoomJid(query->peer));
   history_[query->query_id] = query;
   link_->SendIq(std::move(iq), [this, query](xmpp_stanza_t* reply) {
     history_.erase(query->query_id);
@@ -142,29 +176,37 @@ void XmppBackend::QueryArchivePage(std::shared_ptr<HistoryQuery> query) {
 bool XmppBackend::OnArchiveResult(xmpp_stanza_t* stanza) {
   xmpp_stanza_t* result = ChildOf(stanza, "result", ns::kMam);
   if (result == nullptr) return false;
-  const std::string from = AttrOf(stanza, "from");
-  // Only our own server speaks for our archive.
-  if (!from.empty() && from != self_jid_) return true;
   auto it = history_.find(AttrOf(result, "queryid"));
   if (it == history_.end()) return true;
+  HistoryQuery& query = *it->second;
+  const bool room = query.conv_type == kTIMConv_Group;
+  // Only the archive's owner speaks for it (our own server for ours).
+  const std::string from = AttrOf(stanza, "from");
+  if (!from.empty() && from != (room ? RoomJid(query.peer) : self_jid_)) return true;
   xmpp_stanza_t* forwarded = ChildOf(result, "forwarded", ns::kForward);
   xmpp_stanza_t* inner = ChildOf(forwarded, "message");
   std::string why;
-  auto wire = ReadChatMessage(inner, self_jid_, &why);
-  if (!wire) return true;  // markers, receipts, chat states
+  auto wire = room ? ReadGroupMessage(inner, &why) : ReadChatMessage(inner, self_jid_, &why);
+  if (!wire) return true;  // markers, receipts, chat states, room notices
   wire->archive_id = AttrOf(result, "id");
   if (wire->server_time == 0) wire->server_time = DelayStamp(forwarded);
-  const bool from_self = wire->from_bare == self_jid_;
-  if (it->second->catch_up) {
-    if (!from_self) AcceptIncoming(*wire);
+  const bool from_self = room ? wire->nick == user_ : wire->from_bare == self_jid_;
+  if (query.catch_up) {
+    if (from_self) return true;
+    if (room) {
+      AcceptGroupMessage(query.peer, *wire);
+    } else {
+      AcceptIncoming(*wire);
+    }
     return true;
   }
-  const std::string peer = UserOf(from_self ? wire->to_bare : wire->from_bare);
-  if (peer != it->second->peer) return true;
+  const std::string peer = room ? query.peer : UserOf(from_self ? wire->to_bare : wire->from_bare);
+  if (peer != query.peer) return true;
+  const std::string sender = from_self ? user_ : room ? wire->nick : peer;
   const uint64_t unique_id = MessageIdFor(*wire);
   store_.SetArchiveId(unique_id, wire->archive_id);
-  it->second->page.push_back(MessageValue(peer, from_self ? user_ : peer, unique_id,
-                                          wire->server_time, from_self, true, wire->elems));
+  query.page.push_back(MessageValue(query.conv_type, peer, sender, unique_id, wire->server_time,
+                                    from_self, true, wire->elems));
   return true;
 }
 

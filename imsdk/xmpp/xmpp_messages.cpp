@@ -25,12 +25,13 @@ int SendFailureCode(const std::string& condition) {
 
 }  // namespace
 
-Json::Value XmppBackend::MessageValue(const std::string& conv_id, const std::string& sender,
-                                      uint64_t unique_id, uint64_t time, bool from_self,
-                                      bool is_read, const Json::Value& elems) const {
+Json::Value XmppBackend::MessageValue(int conv_type, const std::string& conv_id,
+                                      const std::string& sender, uint64_t unique_id, uint64_t time,
+                                      bool from_self, bool is_read,
+                                      const Json::Value& elems) const {
   Json::Value v(Json::objectValue);
   v["message_conv_id"] = conv_id;
-  v["message_conv_type"] = kTIMConv_C2C;
+  v["message_conv_type"] = conv_type;
   v["message_sender"] = sender;
   v["message_client_time"] = Json::UInt64(time);
   v["message_server_time"] = Json::UInt64(time);
@@ -59,41 +60,57 @@ int XmppBackend::SendMessage(const std::string& id, int type, const Json::Value&
       Trace("send to %s failed: %s", id.c_str(), desc.c_str());
       done(code, desc, WriteJson(FailedSendEcho(msg, id, type, user_)));
     };
-    const Json::Value& elems = msg["message_elem_array"];
-    if (type != kTIMConv_C2C)
-      return failed(TIM_ERR_GROUP_NOT_FOUND, "no groups on this server yet");
-    for (const auto& elem : elems) {
+    for (const auto& elem : msg["message_elem_array"]) {
       const int kind = elem["elem_type"].asInt();
       if (kind == kTIMElem_Image || kind == kTIMElem_File) {
         return failed(TIM_ERR_FILE, "files and pictures cannot be sent through this server yet");
       }
     }
-    if (!IsValidLocalPart(id)) return failed(TIM_ERR_ACCOUNT_NOT_FOUND, "not an account id");
+    if (type == kTIMConv_Group) {
+      auto room = rooms_.find(id);
+      if (room == rooms_.end()) return failed(TIM_ERR_NOT_GROUP_MEMBER, "not a member");
+      if (!room->second.joined) return failed(TIM_ERR_NETWORK, "not in the group's room yet");
+    } else if (!IsValidLocalPart(id)) {
+      return failed(TIM_ERR_ACCOUNT_NOT_FOUND, "not an account id");
+    }
     if (!link_->online()) return failed(TIM_ERR_NETWORK, "the network is down");
-    const std::string origin = link_->NewId();
-    link_->Send(BuildChatMessage(link_->ctx(), JidOf(id), origin, elems));
-    // The server handles a client's stanzas in order: once it answers a ping
-    // sent after the message, it has routed the message or refused it.
-    Stanza ping(link_->ctx(), "iq");
-    ping.Attr("type", "get").Attr("to", config_.domain);
-    ping.Add(Stanza(link_->ctx(), "ping").Ns(ns::kPing));
-    link_->SendIq(std::move(ping), [this, id, origin, msg, done, failed](xmpp_stanza_t* reply) {
-      auto bounce = bounced_.find(origin);
-      if (bounce != bounced_.end()) {
-        const int code = bounce->second;
-        bounced_.erase(bounce);
-        return failed(code, "the server refused the message");
-      }
-      if (reply == nullptr) return failed(TIM_ERR_NETWORK, "the server did not confirm it");
-      WireMessage wire;
-      wire.from_bare = self_jid_;
-      wire.origin_id = origin;
-      const uint64_t unique_id = MessageIdFor(wire);
-      const Json::Value& elems = msg["message_elem_array"];
-      Json::Value stored = MessageValue(id, user_, unique_id, Now(), true, true, elems);
-      store_.AddMessage(kTIMConv_C2C, id, unique_id, "", Now(), true, WriteJson(stored));
-      done(TIM_SUCC, "", WriteJson(stored));
-    });
+    SendConfirmed(id, type, msg,
+                  [failed, done](int code, const std::string& desc, const std::string& json) {
+                    if (code != TIM_SUCC) return failed(code, desc);
+                    done(code, desc, json);
+                  });
+  });
+}
+
+void XmppBackend::SendConfirmed(const std::string& id, int type, const Json::Value& msg,
+                                ResultFn done) {
+  const bool group = type == kTIMConv_Group;
+  const std::string origin = link_->NewId();
+  const Json::Value& elems = msg["message_elem_array"];
+  link_->Send(BuildChatMessage(link_->ctx(), group ? RoomJid(id) : JidOf(id), origin, elems,
+                               group ? "groupchat" : "chat"));
+  // The server handles a client's stanzas in order: once it answers a ping
+  // sent after the message, it has routed the message or refused it.
+  Stanza ping(link_->ctx(), "iq");
+  ping.Attr("type", "get").Attr("to", config_.domain);
+  ping.Add(Stanza(link_->ctx(), "ping").Ns(ns::kPing));
+  link_->SendIq(std::move(ping), [this, id, type, origin, msg, done](xmpp_stanza_t* reply) {
+    auto bounce = bounced_.find(origin);
+    if (bounce != bounced_.end()) {
+      const int code = bounce->second;
+      bounced_.erase(bounce);
+      return done(code, "the server refused the message", "");
+    }
+    if (reply == nullptr) return done(TIM_ERR_NETWORK, "the server did not confirm it", "");
+    WireMessage wire;
+    wire.from_bare = type == kTIMConv_Group ? RoomJid(id) : self_jid_;
+    if (type == kTIMConv_Group) wire.nick = user_;
+    wire.origin_id = origin;
+    const uint64_t unique_id = MessageIdFor(wire);
+    const Json::Value& elems = msg["message_elem_array"];
+    Json::Value stored = MessageValue(type, id, user_, unique_id, Now(), true, true, elems);
+    store_.AddMessage(type, id, unique_id, "", Now(), true, WriteJson(stored));
+    done(TIM_SUCC, "", WriteJson(stored));
   });
 }
 
@@ -107,7 +124,20 @@ void XmppBackend::OnMessageError(xmpp_stanza_t* stanza) {
 void XmppBackend::OnMessage(xmpp_stanza_t* stanza) {
   if (AttrOf(stanza, "type") == "error") return OnMessageError(stanza);
   if (OnArchiveResult(stanza)) return;
+  if (OnRoomNotice(stanza)) return;
   const std::string from = AttrOf(stanza, "from");
+  if (AttrOf(stanza, "type") == "groupchat") {
+    const std::string group = GroupOf(from);
+    if (group.empty() || rooms_.count(group) == 0) return;
+    std::string why;
+    auto wire = ReadGroupMessage(stanza, &why);
+    if (!wire) {
+      if (why != "no content")
+        Trace("group message from %s ignored: %s", from.c_str(), why.c_str());
+      return;
+    }
+    return AcceptGroupMessage(group, *wire);
+  }
   if (from.empty() || BareJid(from) == self_jid_) return;  // carbons are not enabled
   std::string why;
   auto wire = ReadChatMessage(stanza, self_jid_, &why);
@@ -126,16 +156,33 @@ void XmppBackend::AcceptIncoming(const WireMessage& wire) {
           config_.domain.c_str());
     return;
   }
+  if (!wire.archive_id.empty()) last_archive_id_ = wire.archive_id;
+  QueueIncoming(kTIMConv_C2C, peer, peer, wire);
+}
+
+void XmppBackend::AcceptGroupMessage(const std::string& group, const WireMessage& wire) {
+  if (!wire.archive_id.empty()) room_last_ids_[group] = wire.archive_id;
+  // Our own messages come back from the room; the send stored them already.
+  if (wire.nick == user_ && !wire.origin_id.empty()) {
+    if (!wire.archive_id.empty()) store_.SetArchiveId(MessageIdFor(wire), wire.archive_id);
+    return;
+  }
+  QueueIncoming(kTIMConv_Group, group, wire.nick, wire);
+}
+
+void XmppBackend::QueueIncoming(int conv_type, const std::string& conv_id,
+                                const std::string& sender, const WireMessage& wire) {
   const uint64_t unique_id = MessageIdFor(wire);
   const uint64_t time = wire.server_time != 0 ? wire.server_time : Now();
-  Json::Value value = MessageValue(peer, peer, unique_id, time, false, false, wire.elems);
+  const bool from_self = sender == user_;
+  Json::Value value =
+      MessageValue(conv_type, conv_id, sender, unique_id, time, from_self, from_self, wire.elems);
   if (!batch_open_) {
     // One transaction for everything one pass of the loop received.
     store_.Begin();
     batch_open_ = true;
   }
-  if (!wire.archive_id.empty()) last_archive_id_ = wire.archive_id;
-  if (!store_.AddMessage(kTIMConv_C2C, peer, unique_id, wire.archive_id, time, false,
+  if (!store_.AddMessage(conv_type, conv_id, unique_id, wire.archive_id, time, from_self,
                          WriteJson(value))) {
     return;  // seen before: a resend after reconnecting, or the archive and the live copy
   }
@@ -143,8 +190,16 @@ void XmppBackend::AcceptIncoming(const WireMessage& wire) {
 }
 
 void XmppBackend::FlushIncoming() {
+  if (!room_last_ids_.empty() && !batch_open_) {
+    store_.Begin();
+    batch_open_ = true;
+  }
   if (batch_open_) {
     if (!last_archive_id_.empty()) store_.SetSetting(kLastArchiveIdKey, last_archive_id_);
+    for (const auto& [group, id] : room_last_ids_) {
+      store_.SetSetting("room_last_archive_id:" + group, id);
+    }
+    room_last_ids_.clear();
     store_.Commit();
     batch_open_ = false;
   }

@@ -4,13 +4,13 @@
 Usage: peer.py JID PASSWORD HOST PORT
 Reads one JSON command per line on stdin and prints one JSON event per
 line on stdout:
-  {"cmd": "send", "to": JID, "body": TEXT, "extra": XML?, "id": ID?}
+  {"cmd": "send", "to": JID, "body": TEXT, "extra": XML?, "id": ID?, "type": T?}
   {"cmd": "send_many", "to": JID, "count": N}      bodies "n<i>"
   {"cmd": "raw", "data": TEXT}                      anything, sent as it is
   {"cmd": "presence", "to": JID, "type": T, "status": TEXT?}
   {"cmd": "roster_remove", "jid": JID}
   {"cmd": "quit"}
-Events: ready, message (from, body, xml), presence (from, type, status),
+Events: ready, message (from, body, xml), presence (from, from_full, type, status, xml),
 roster (jid, subscription), sent (count), disconnected.
 """
 import asyncio
@@ -43,6 +43,7 @@ class Peer(slixmpp.ClientXMPP):
         self.add_event_handler("roster_update", self.on_roster)
         self.add_event_handler("presence_available", self.on_presence)
         self.add_event_handler("presence_unavailable", self.on_presence)
+        self.add_event_handler("presence_error", self.on_presence)
 
     async def on_start(self, _):
         await self.get_roster()
@@ -56,7 +57,7 @@ class Peer(slixmpp.ClientXMPP):
 
     def on_presence(self, pres):
         emit(event="presence", type=pres["type"], status=pres["status"],
-             **{"from": str(pres["from"].bare)})
+             from_full=str(pres["from"]), xml=str(pres), **{"from": str(pres["from"].bare)})
 
     def on_roster(self, iq):
         for jid, item in iq["roster"]["items"].items():
@@ -80,7 +81,8 @@ class Peer(slixmpp.ClientXMPP):
     def run(self, cmd):
         kind = cmd["cmd"]
         if kind == "send":
-            msg = self.make_message(mto=cmd["to"], mbody=cmd.get("body"), mtype="chat")
+            msg = self.make_message(mto=cmd["to"], mbody=cmd.get("body"),
+                                    mtype=cmd.get("type", "chat"))
             if cmd.get("id"):
                 msg["id"] = cmd["id"]
             if cmd.get("extra"):

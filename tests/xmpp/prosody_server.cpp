@@ -110,7 +110,16 @@ bool ProsodyServer::Start(const std::vector<std::string>& accounts, bool archive
       << "limits = { }\n"
       << "log = { { levels = { min = \"info\" }, to = \"file\", filename = \"" << folder_
       << "/prosody.log\" } }\n"
-      << "VirtualHost \"localhost\"\n";
+      << "http_default_host = \"upload.localhost\"\n"
+      << "http_external_url = \"http://127.0.0.1:" << http_port_ << "/\"\n"
+      << "VirtualHost \"localhost\"\n"
+      << "Component \"conference.localhost\" \"muc\"\n"
+      << "  modules_enabled = { \"muc_mam\" }\n"
+      << "  muc_room_default_persistent = true; muc_room_default_members_only = true\n"
+      << "  muc_room_default_public = false; muc_log_by_default = true\n"
+      << "  restrict_room_creation = \"local\"\n"
+      << "Component \"upload.localhost\" \"http_file_share\"\n"
+      << "  http_file_share_size_limit = 10*1024*1024\n";
   cfg.close();
   for (const auto& user : accounts) {
     if (RunQuietly(

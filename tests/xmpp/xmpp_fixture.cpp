@@ -56,17 +56,38 @@ Record XmppTest::SendText(const std::string& to, const std::string& text) {
   return rec.Result(tag);
 }
 
-Json::Value XmppTest::History(const std::string& peer, int count, const Json::Value& last) {
+Json::Value XmppTest::History(const std::string& peer, int count, const Json::Value& last,
+                              int conv_type) {
   Json::Value param;
   param["msg_getmsglist_param_count"] = count;
   param["msg_getmsglist_param_last_msg"] = last.isNull() ? Json::Value(Json::objectValue) : last;
   const std::string tag = NextTag("history " + peer);
-  EXPECT_EQ(TIMMsgGetMsgList(peer.c_str(), kTIMConv_C2C, imsdk_test::Write(param).c_str(), OnResult,
+  EXPECT_EQ(TIMMsgGetMsgList(peer.c_str(), conv_type, imsdk_test::Write(param).c_str(), OnResult,
                              Tag(tag)),
             TIM_SUCC);
   Record r = rec.Result(tag);
   EXPECT_EQ(r.code, TIM_SUCC) << r.json;
   return Parse(r.json);
+}
+
+}  // namespace xmpp_test
+
+namespace xmpp_test {
+
+Json::Value XmppTest::WaitForRecord(const std::string& name,
+                                    const std::function<bool(const Json::Value&)>& match) {
+  for (size_t n = 1;; ++n) {
+    auto records = rec.WaitFor(name, n);
+    if (records.size() < n) return Json::Value();  // none came in time
+    Json::Value value = Parse(records[n - 1].json);
+    if (value.isArray()) {
+      for (const auto& item : value) {
+        if (match(item)) return item;
+      }
+    } else if (match(value)) {
+      return value;
+    }
+  }
 }
 
 }  // namespace xmpp_test

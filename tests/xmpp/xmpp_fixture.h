@@ -12,8 +12,9 @@ namespace xmpp_test {
 
 // Accounts every server has; each test picks its own so that tests sharing
 // a server never see each other's rosters and archives.
-inline const std::vector<std::string> kAccounts = {"alice", "bob",  "carol", "dave",
-                                                   "erin",  "fred", "gina",  "hank"};
+inline const std::vector<std::string> kAccounts = {"alice", "bob",  "carol", "dave", "erin", "fred",
+                                                   "gina",  "hank", "ivan",  "judy", "kate", "lena",
+                                                   "mike",  "nora", "otto",  "pia"};
 
 ProsodyServer& Server();
 
@@ -26,7 +27,11 @@ class XmppTest : public ::testing::Test {
   std::unique_ptr<PeerProcess> StartPeer(const std::string& user);
   // Sends a text through the C API and waits for its result.
   imsdk_test::Record SendText(const std::string& to, const std::string& text);
-  Json::Value History(const std::string& peer, int count, const Json::Value& last = {});
+  Json::Value History(const std::string& peer, int count, const Json::Value& last = {},
+                      int conv_type = kTIMConv_C2C);
+  // Waits for a record named `name` whose JSON satisfies `match`; null when none came.
+  Json::Value WaitForRecord(const std::string& name,
+                            const std::function<bool(const Json::Value&)>& match);
   std::string config_folder_;
   imsdk_test::Recorder& rec = imsdk_test::GetRecorder();
   int calls_ = 0;

@@ -80,26 +80,26 @@ TEST_F(XmppTest, ASecondSignInElsewhereKicksThisOneOffline) {
 }
 
 TEST_F(XmppTest, ServerLossAndReturnAreNetworkEventsAndNothingIsLost) {
-  ASSERT_EQ(SignIn("dave").code, TIM_SUCC);
+  ASSERT_EQ(SignIn("nora").code, TIM_SUCC);
   Server().Stop();
   auto lost = rec.WaitFor("network");
   ASSERT_FALSE(lost.empty());
   EXPECT_EQ(lost[0].code, kTIMDisconnected);
-  EXPECT_EQ(SendText("erin", "while away").code, TIM_ERR_NETWORK);
+  EXPECT_EQ(SendText("otto", "while away").code, TIM_ERR_NETWORK);
 
   ASSERT_TRUE(Server().Restart());
   auto events = rec.WaitFor("network", 3);
   ASSERT_EQ(events.size(), 3u);
   EXPECT_EQ(events[2].code, kTIMConnected);
-  auto erin = StartPeer("erin");
-  erin->Send("dave", "after the return");
+  auto otto = StartPeer("otto");
+  otto->Send("nora", "after the return");
   auto got = rec.WaitFor("new_msg");
   ASSERT_EQ(got.size(), 1u);
   EXPECT_EQ(Parse(got[0].json)[0]["message_elem_array"][0]["text_elem_content"].asString(),
             "after the return");
-  EXPECT_EQ(SendText("erin", "back again").code, TIM_SUCC);
+  EXPECT_EQ(SendText("otto", "back again").code, TIM_SUCC);
   EXPECT_FALSE(
-      erin->WaitFor([](const Json::Value& e) { return e["body"].asString() == "back again"; })
+      otto->WaitFor([](const Json::Value& e) { return e["body"].asString() == "back again"; })
           .isNull());
 }
 

@@ -1,0 +1,235 @@
+// Groups as rooms with a third-party client in them: creation and
+// invitation, messages both ways, members removed, the owner handed on,
+// history, catching up at sign-in and disbanding.
+#include "tests/xmpp/xmpp_fixture.h"
+
+namespace xmpp_test {
+namespace {
+
+using imsdk_test::OnResult;
+using imsdk_test::Parse;
+using imsdk_test::Record;
+using imsdk_test::Tag;
+using imsdk_test::Write;
+
+std::string RoomOf(const std::string& group) {
+  return group + "@conference.localhost";
+}
+
+class XmppGroupTest : public XmppTest {
+ protected:
+  Record CreateGroup(const std::string& id, const std::vector<std::string>& members) {
+    Json::Value param;
+    param["create_group_param_group_name"] = "Room " + id;
+    param["create_group_param_group_id"] = id;
+    for (const auto& m : members) {
+      Json::Value member;
+      member["group_member_info_identifier"] = m;
+      param["create_group_param_group_member_array"].append(member);
+    }
+    const std::string tag = NextTag("create " + id);
+    EXPECT_EQ(TIMGroupCreate(Write(param).c_str(), OnResult, Tag(tag)), TIM_SUCC);
+    return rec.Result(tag);
+  }
+  // The peer waits for its invitation and enters the room.
+  void Enter(PeerProcess& peer, const std::string& user, const std::string& group) {
+    ASSERT_FALSE(peer.WaitFor([&](const Json::Value& e) {
+                       return e["event"] == "message" &&
+                              e["xml"].asString().find("<invite") != std::string::npos &&
+                              e["from"].asString() == RoomOf(group);
+                     })
+                     .isNull())
+        << user << " got no invitation";
+    Json::Value join;
+    join["cmd"] = "raw";
+    join["data"] = "<presence to='" + RoomOf(group) + "/" + user +
+                   "'><x xmlns='http://jabber.org/protocol/muc'><history maxstanzas='0'/></x>"
+                   "</presence>";
+    peer.Command(join);
+    ASSERT_FALSE(peer.WaitFor([&](const Json::Value& e) {
+                       return e["event"] == "presence" && e["type"] == "available" &&
+                              e["from_full"].asString() == RoomOf(group) + "/" + user;
+                     })
+                     .isNull())
+        << user << " could not enter";
+  }
+  void SayInRoom(PeerProcess& peer, const std::string& group, const std::string& text) {
+    Json::Value send;
+    send["cmd"] = "send";
+    send["to"] = RoomOf(group);
+    send["type"] = "groupchat";
+    send["body"] = text;
+    peer.Command(send);
+  }
+  Json::Value WaitForGroupText(const std::string& group, const std::string& text) {
+    return WaitForRecord("new_msg", [&](const Json::Value& m) {
+      return m["message_conv_type"] == kTIMConv_Group && m["message_conv_id"] == group &&
+             m["message_elem_array"][0]["text_elem_content"] == text;
+    });
+  }
+  Json::Value WaitForTip(int type, const std::string& user) {
+    return WaitForRecord("group_tips", [&](const Json::Value& t) {
+      if (t["group_tips_elem_tip_type"] != type) return false;
+      for (const auto& u : t["group_tips_elem_user_array"]) {
+        if (u == user) return true;
+      }
+      for (const auto& c : t["group_tips_elem_group_change_info_array"]) {
+        if (c["group_tips_group_change_info_value"] == user) return true;
+      }
+      return false;
+    });
+  }
+  Record Request(const std::string& what, const std::function<int(void*)>& call) {
+    const std::string tag = NextTag(what);
+    EXPECT_EQ(call(Tag(tag)), TIM_SUCC) << what;
+    return rec.Result(tag);
+  }
+};
+
+TEST_F(XmppGroupTest, ARoomWithAPlainClientCarriesMessagesMembersAndTheOwner) {
+  ASSERT_EQ(SignIn("ivan").code, TIM_SUCC);
+  auto judy = StartPeer("judy");
+  Record created = CreateGroup("plan-review", {"judy", "kate"});
+  ASSERT_EQ(created.code, TIM_SUCC) << created.json;
+  EXPECT_EQ(Parse(created.json)["create_group_result_groupid"], "plan-review");
+  EXPECT_EQ(CreateGroup("plan-review", {}).code, TIM_ERR_GROUP_EXISTS);
+  Enter(*judy, "judy", "plan-review");
+  // Both invitations became memberships; the invited peer is told by tips.
+  Json::Value tip = WaitForTip(kTIMGroupTip_Invite, "kate");
+  ASSERT_FALSE(tip.isNull());
+  EXPECT_EQ(tip["group_tips_elem_op_user"], "ivan");
+  EXPECT_EQ(tip["group_tips_elem_group_name"], "Room plan-review");
+
+  Record sent = Request("send", [](void* tag) {
+    return TIMMsgSendNewMsg("plan-review", kTIMConv_Group,
+                            imsdk_test::TextMsg("drawing 7 is ready").c_str(), OnResult, tag);
+  });
+  ASSERT_EQ(sent.code, TIM_SUCC) << sent.json;
+  EXPECT_FALSE(judy->WaitFor([](const Json::Value& e) {
+                     return e["event"] == "message" && e["type"] == "groupchat" &&
+                            e["body"] == "drawing 7 is ready";
+                   })
+                   .isNull());
+  SayInRoom(*judy, "plan-review", "looks good");
+  Json::Value in = WaitForGroupText("plan-review", "looks good");
+  ASSERT_FALSE(in.isNull());
+  EXPECT_EQ(in["message_sender"], "judy");
+  EXPECT_FALSE(in["message_is_from_self"].asBool());
+
+  Record members = Request("members", [](void* tag) {
+    return TIMGroupGetMemberInfoList(
+        R"({"group_get_members_info_list_param_group_id":"plan-review"})", OnResult, tag);
+  });
+  ASSERT_EQ(members.code, TIM_SUCC) << members.json;
+  std::map<std::string, int> roles;
+  const Json::Value listed = Parse(members.json);
+  for (const auto& m : listed["group_get_member_info_list_result_info_array"]) {
+    roles[m["group_member_info_identifier"].asString()] =
+        m["group_member_info_member_role"].asInt();
+  }
+  EXPECT_EQ(roles, (std::map<std::string, int>{{"ivan", 3}, {"judy", 1}, {"kate", 1}}));
+
+  Record removed = Request("remove", [](void* tag) {
+    return TIMGroupDeleteMember(
+        R"({"group_delete_member_param_group_id":"plan-review",
+            "group_delete_member_param_identifier_array":["kate","nobody"]})",
+        OnResult, tag);
+  });
+  ASSERT_EQ(removed.code, TIM_SUCC) << removed.json;
+  Json::Value outcome = Parse(removed.json);
+  EXPECT_EQ(outcome[0]["group_delete_member_result_result"], 1);
+  EXPECT_EQ(outcome[1]["group_delete_member_result_result"], 0);
+  tip = WaitForTip(kTIMGroupTip_Kick, "kate");
+  ASSERT_FALSE(tip.isNull());
+  EXPECT_EQ(tip["group_tips_elem_op_user"], "ivan");
+
+  Record handed = Request("owner", [](void* tag) {
+    return TIMGroupModifyGroupInfo(
+        R"({"group_modify_info_param_group_id":"plan-review","group_modify_info_param_owner":"judy"})",
+        OnResult, tag);
+  });
+  ASSERT_EQ(handed.code, TIM_SUCC) << handed.json;
+  tip = WaitForTip(kTIMGroupTip_InfoChange, "judy");
+  ASSERT_FALSE(tip.isNull());
+  EXPECT_EQ(tip["group_tips_elem_group_change_info_array"][0]["group_tips_group_change_info_flag"],
+            5);
+  EXPECT_FALSE(judy->WaitFor([](const Json::Value& e) {
+                     return e["event"] == "presence" &&
+                            e["xml"].asString().find("affiliation=\"owner\"") !=
+                                std::string::npos &&
+                            e["from_full"].asString() == RoomOf("plan-review") + "/judy";
+                   })
+                   .isNull());
+  // No longer the owner: the room refuses what only owners may do.
+  EXPECT_EQ(
+      Request("disband", [](void* tag) { return TIMGroupDelete("plan-review", OnResult, tag); })
+          .code,
+      TIM_ERR_GROUP_PERMISSION);
+
+  Record groups =
+      Request("groups", [](void* tag) { return TIMGroupGetJoinedGroupList(OnResult, tag); });
+  Json::Value list = Parse(groups.json);
+  ASSERT_EQ(list.size(), 1u);
+  EXPECT_EQ(list[0]["group_base_info_owner_identifier"], "judy");
+  EXPECT_EQ(list[0]["group_base_info_group_name"], "Room plan-review");
+
+  // The room's archive gives the conversation back, newest first.
+  Json::Value history = History("plan-review", 10, {}, kTIMConv_Group);
+  ASSERT_EQ(history.size(), 2u);
+  EXPECT_EQ(history[0]["message_elem_array"][0]["text_elem_content"], "looks good");
+  EXPECT_EQ(history[1]["message_unique_id"], Parse(sent.json)["message_unique_id"]);
+  EXPECT_TRUE(history[1]["message_is_from_self"].asBool());
+}
+
+TEST_F(XmppGroupTest, WhatWasSaidWhileAwayIsCaughtUpOnceAtSignInAndDisbandingEndsTheGroup) {
+  ASSERT_EQ(SignIn("lena").code, TIM_SUCC);
+  auto mike = StartPeer("mike");
+  ASSERT_EQ(CreateGroup("site-visit", {"mike"}).code, TIM_SUCC);
+  Enter(*mike, "mike", "site-visit");
+  SayInRoom(*mike, "site-visit", "before");
+  ASSERT_FALSE(WaitForGroupText("site-visit", "before").isNull());
+  ASSERT_EQ(Request("logout", [](void* tag) { return TIMLogout(OnResult, tag); }).code, TIM_SUCC);
+
+  SayInRoom(*mike, "site-visit", "while away");
+  // Said once the room has archived it: mike sees its own message come back.
+  ASSERT_FALSE(mike->WaitFor([](const Json::Value& e) {
+                     return e["event"] == "message" && e["body"] == "while away";
+                   })
+                   .isNull());
+  rec.Clear();
+  ASSERT_EQ(SignIn("lena").code, TIM_SUCC);
+  Record groups =
+      Request("groups", [](void* tag) { return TIMGroupGetJoinedGroupList(OnResult, tag); });
+  ASSERT_EQ(Parse(groups.json).size(), 1u) << groups.json;
+  ASSERT_FALSE(WaitForGroupText("site-visit", "while away").isNull());
+  SayInRoom(*mike, "site-visit", "after");
+  ASSERT_FALSE(WaitForGroupText("site-visit", "after").isNull());
+  int seen = 0;
+  for (const auto& r : rec.WaitFor("new_msg", rec.Count("new_msg"))) {
+    for (const auto& m : Parse(r.json)) {
+      if (m["message_elem_array"][0]["text_elem_content"] == "before") ++seen;
+    }
+  }
+  EXPECT_EQ(seen, 0) << "a message seen before came again";
+
+  ASSERT_EQ(
+      Request("disband", [](void* tag) { return TIMGroupDelete("site-visit", OnResult, tag); })
+          .code,
+      TIM_SUCC);
+  Json::Value report = WaitForRecord("new_msg", [](const Json::Value& m) {
+    return m["message_elem_array"][0]["elem_type"] == kTIMElem_GroupReport;
+  });
+  ASSERT_FALSE(report.isNull());
+  EXPECT_EQ(report["message_elem_array"][0]["group_report_elem_report_type"],
+            kTIMGroupReport_Disband);
+  EXPECT_FALSE(mike->WaitFor([](const Json::Value& e) {
+                     return e["event"] == "presence" && e["type"] == "unavailable" &&
+                            e["xml"].asString().find("<destroy") != std::string::npos;
+                   })
+                   .isNull());
+  groups = Request("groups2", [](void* tag) { return TIMGroupGetJoinedGroupList(OnResult, tag); });
+  EXPECT_EQ(Parse(groups.json).size(), 0u);
+}
+
+}  // namespace
+}  // namespace xmpp_test
