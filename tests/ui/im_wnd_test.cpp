@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <thread>
 
 #include "host/local/local_host.h"
@@ -238,6 +239,47 @@ TEST_F(ImWndTest, PortRequestsFromAnotherThreadAreCarriedOutByTheWindow) {
   EXPECT_EQ(window_.FindControl("ChatWindow_SendrichEdit").GetText(), u"");
   EXPECT_EQ(service::CurrentConvId(), u"error");
   EXPECT_EQ(ChatPage(), CIMWnd::kEmptyChatPage);
+}
+
+TEST_F(ImWndTest, EachBoxBelongsToItsOwnerTheFailedSignInsToTheHostsMainWindow) {
+  QWidget hostFrame;  // the host application's main window
+  hostFrame.setGeometry(150, 120, 900, 640);
+  hostFrame.show();
+  window_.SetParam(reinterpret_cast<void*>(hostFrame.winId()));
+  struct Shown {
+    QWidget* owner = nullptr;
+    QPoint centre;
+  };
+  std::optional<Shown> shown;
+  QTimer watcher;
+  QObject::connect(&watcher, &QTimer::timeout, [&] {
+    if (QWidget* box = QApplication::activeModalWidget()) {
+      shown = Shown{box->parentWidget(), box->frameGeometry().center()};
+      box->close();
+    }
+  });
+  watcher.start(20);
+  auto show = [&](service::BoxOwner owner) {
+    shown.reset();
+    window_.ShowPortBox(PortBoxRequest{static_cast<int>(owner), u"登录", u"登录失败"});
+    return shown;
+  };
+
+  std::optional<Shown> host = show(service::BoxOwner::kHostWindow);
+  ASSERT_TRUE(host);
+  EXPECT_EQ(host->owner, &hostFrame);
+  EXPECT_EQ(host->centre, hostFrame.frameGeometry().center());
+  std::optional<Shown> chat = show(service::BoxOwner::kChatWindow);
+  ASSERT_TRUE(chat);
+  EXPECT_EQ(chat->owner, ui::qt::WidgetOf(window_.FindControl("IMWnd_closebtn"))->window());
+  std::optional<Shown> none = show(service::BoxOwner::kNone);
+  ASSERT_TRUE(none);
+  EXPECT_EQ(none->owner, nullptr);
+  // A host window that is gone: the box still shows, without owner.
+  window_.SetParam(reinterpret_cast<void*>(uintptr_t{0x7ffffff0}));
+  std::optional<Shown> stale = show(service::BoxOwner::kHostWindow);
+  ASSERT_TRUE(stale);
+  EXPECT_EQ(stale->owner, nullptr);
 }
 
 TEST_F(ImWndTest, DestroyingFreesPayloadsStillQueued) {

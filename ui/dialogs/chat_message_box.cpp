@@ -12,16 +12,30 @@ std::atomic<bool> g_confirmed{false};
 
 }  // namespace
 
+template <typename Owner>
+void CChatMessageBox::Run(Owner owner) {
+  g_confirmed = false;
+  if (RunModal(owner) < 0) {
+    platform::Trace("CChatMessageBox: not shown, title %s", platform::Utf16ToUtf8(title_).c_str());
+  }
+}
+
 CChatMessageBox::CChatMessageBox(const WString& title, const WString& message,
                                  ui::WindowImplBase* owner, unsigned char mode)
     : DialogFrame(ui::dialogs::kChatMessageBox),
       title_(title),
       message_(message),
       showCancel_(mode == kQuestion) {
-  g_confirmed = false;
-  if (RunModal(owner) < 0) {
-    platform::Trace("CChatMessageBox: not shown, title %s", platform::Utf16ToUtf8(title_).c_str());
-  }
+  Run(owner);
+}
+
+CChatMessageBox::CChatMessageBox(const WString& title, const WString& message, ui::HostWindow owner,
+                                 unsigned char mode)
+    : DialogFrame(ui::dialogs::kChatMessageBox),
+      title_(title),
+      message_(message),
+      showCancel_(mode == kQuestion) {
+  Run(owner);
 }
 
 CChatMessageBox::~CChatMessageBox() = default;

@@ -14,6 +14,10 @@ class CChatMessageBox final : public ui::DialogFrame {
   // `mode` 1: confirm and cancel; 0: confirm only. `owner` may be null.
   CChatMessageBox(const WString& title, const WString& message, ui::WindowImplBase* owner,
                   unsigned char mode);
+  // Owned by a window of the host application (the failed sign-in's box
+  // belongs to the host's main window).
+  CChatMessageBox(const WString& title, const WString& message, ui::HostWindow owner,
+                  unsigned char mode);
   ~CChatMessageBox() override;
 
   // True only when the last box was answered with its confirm button.
@@ -23,6 +27,8 @@ class CChatMessageBox final : public ui::DialogFrame {
   void Notify(ui::TNotifyUI& msg) override;
 
  private:
+  template <typename Owner>
+  void Run(Owner owner);
   void OnWindowInit();
 
   WString title_;

@@ -5,19 +5,37 @@
 
 namespace ui {
 
-bool DialogFrame::CreateDialog(WindowImplBase* owner) {
-  if (IsCreated()) return false;
-  if (!Create(owner, WString(row_.windowName), WindowStyle::kPopupTool)) {
-    platform::Trace("%s: the dialog could not be created from %s", row_.className, row_.skinFile);
+namespace {
+
+template <typename Owner>
+bool CreateFramed(WindowImplBase& dialog, const DialogRow& row, Owner owner) {
+  if (dialog.IsCreated()) return false;
+  if (!dialog.Create(owner, WString(row.windowName), WindowStyle::kPopupTool)) {
+    platform::Trace("%s: the dialog could not be created from %s", row.className, row.skinFile);
     return false;
   }
   return true;
 }
 
-int DialogFrame::RunModal(WindowImplBase* owner) {
-  if (!ForgetIfFailed(CreateDialog(owner))) return -1;
+}  // namespace
+
+bool DialogFrame::CreateDialog(WindowImplBase* owner) {
+  return CreateFramed(*this, row_, owner);
+}
+
+template <typename Owner>
+int DialogFrame::CreateAndRunModal(Owner owner) {
+  if (!ForgetIfFailed(CreateFramed(*this, row_, owner))) return -1;
   PlaceWindow();
   return ShowModal();
+}
+
+int DialogFrame::RunModal(WindowImplBase* owner) {
+  return CreateAndRunModal(owner);
+}
+
+int DialogFrame::RunModal(HostWindow owner) {
+  return CreateAndRunModal(owner);
 }
 
 bool DialogFrame::ShowDialog(WindowImplBase* owner) {

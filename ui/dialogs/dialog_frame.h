@@ -67,6 +67,8 @@ class DialogFrame : public WindowImplBase {
   // Creates, places (PlaceWindow) and runs modally. Returns the code the
   // dialog was closed with, -1 when it could not be created.
   int RunModal(WindowImplBase* owner);
+  // The same, owned by a window of the host application.
+  int RunModal(HostWindow owner);
   // Creates, places (PlaceWindow) and shows with activation.
   bool ShowDialog(WindowImplBase* owner);
   // Creates, puts the top-left corner at `screenPoint` keeping the size, and
@@ -84,8 +86,11 @@ class DialogFrame : public WindowImplBase {
   virtual ShareTreeSelection* ShareTree() { return nullptr; }
 
  private:
-  // A self-deleting dialog whose window could not be made goes at once.
+  // Traces a window that could not be made; a self-deleting dialog then
+  // goes at once.
   bool ForgetIfFailed(bool created);
+  template <typename Owner>
+  int CreateAndRunModal(Owner owner);
 
   DialogRow row_;
 };

@@ -6,6 +6,7 @@
 
 #include "platform/trace.h"
 #include "ui/kit/qt/control_ref.h"
+#include "ui/kit/qt/host_widget.h"
 #include "ui/kit/qt/row_list_view.h"
 #include "ui/kit/qt/skin_loader.h"
 #include "ui/kit/qt/window_host.h"
@@ -39,9 +40,19 @@ WindowImplBase::~WindowImplBase() {
 }
 
 bool WindowImplBase::Create(WindowImplBase* owner, const WString& windowName, WindowStyle style) {
+  return CreateOwned(owner, HostWindow{}, windowName, style);
+}
+
+bool WindowImplBase::Create(HostWindow owner, const WString& windowName, WindowStyle style) {
+  return CreateOwned(nullptr, owner, windowName, style);
+}
+
+bool WindowImplBase::CreateOwned(WindowImplBase* owner, HostWindow hostOwner,
+                                 const WString& windowName, WindowStyle style) {
   if (host_) return false;
   owner_ = owner;
-  QWidget* ownerHost = owner ? owner->host_ : nullptr;
+  hostOwner_ = hostOwner;
+  QWidget* ownerHost = owner ? owner->host_ : qt::HostWidget(hostOwner);
   auto* host = new WindowHost(this, ownerHost, style);
   QString folder = QString::fromStdString(ResourcePath(GetSkinFolder()));
   QWidget* root = qt::LoadSkin(folder, QString::fromStdString(GetSkinFile()), host);
@@ -103,8 +114,9 @@ void WindowImplBase::Close(int code) {
 void WindowImplBase::CenterWindow() {
   if (!host_) return;
   QRect area;
-  if (owner_ && owner_->host_ && owner_->host_->isVisible()) {
-    area = owner_->host_->frameGeometry();
+  QWidget* owner = owner_ ? owner_->host_ : qt::HostWidget(hostOwner_);
+  if (owner && owner->isVisible()) {
+    area = owner->frameGeometry();
   } else if (QScreen* screen = QGuiApplication::primaryScreen()) {
     area = screen->availableGeometry();
   } else {

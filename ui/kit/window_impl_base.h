@@ -16,6 +16,7 @@
 
 #include "platform/window_messages.h"
 #include "ui/kit/control.h"
+#include "ui/kit/host_window.h"
 #include "ui/kit/notify.h"
 
 namespace ui {
@@ -72,6 +73,11 @@ class WindowImplBase {
   // and then sends "windowinit". Returns false (after a trace) when the skin
   // cannot be loaded; the object is then windowless. `owner` may be null.
   bool Create(WindowImplBase* owner, const WString& windowName,
+              WindowStyle style = WindowStyle::kPopupTool);
+  // The same, owned by a window of the host application (a box that belongs
+  // to the host rather than to the chat window); an id that finds no window
+  // makes a window without owner.
+  bool Create(HostWindow owner, const WString& windowName,
               WindowStyle style = WindowStyle::kPopupTool);
   bool IsCreated() const;
 
@@ -142,8 +148,11 @@ class WindowImplBase {
   friend class WindowHost;
   friend class PopupMenu;
   void DestroyWindow(int code);
+  bool CreateOwned(WindowImplBase* owner, HostWindow hostOwner, const WString& windowName,
+                   WindowStyle style);
 
   WindowImplBase* owner_ = nullptr;
+  HostWindow hostOwner_;        // when the owner is the host's
   WindowHost* host_ = nullptr;  // owned; see the destructor
   std::shared_ptr<bool> alive_;
 };

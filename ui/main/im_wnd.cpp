@@ -1,13 +1,13 @@
 #include "ui/main/im_wnd.h"
 
-#include <QApplication>
-#include <QWidget>
+#include <optional>
 
 #include "platform/trace.h"
 #include "service/chat_tools.h"
 #include "service/current_conversation.h"
 #include "service/named_mutexes.h"
 #include "ui/dialogs/chat_message_box.h"
+#include "ui/kit/host_window.h"
 #include "ui/kit/toolkit_texts.h"
 #include "ui/main/chat_dialog_routes.h"
 #include "ui/main/friends_page.h"
@@ -20,12 +20,6 @@ constexpr const char* kCompactHidden[] = {
     "IMWnd_Col1",          "IMWnd_Col2",  "IMWnd_Col3",       "IMWnd_Col4",
     "IMWnd_SharedChatBtn", "ChatDrawBtn", "GroupFunctionBtn",
 };
-
-QWidget* HostFrame(void* parent) {
-  if (parent == nullptr || QApplication::instance() == nullptr) return nullptr;
-  // Looked up rather than cast: a stale or foreign id simply finds nothing.
-  return QWidget::find(static_cast<WId>(reinterpret_cast<uintptr_t>(parent)));
-}
 
 }  // namespace
 
@@ -59,11 +53,10 @@ bool CIMWnd::CreateChatWindow() {
     return false;
   }
   handle_.store(GetHWND());
-  if (QWidget* frame = HostFrame(parent_)) {
+  if (std::optional<ui::Rect> frame = ui::HostWindowFrame(ui::HostWindow{parent_})) {
     ui::Rect own = GetWindowRect();
-    QPoint centre = frame->frameGeometry().center();
-    int left = centre.x() - own.Width() / 2;
-    int top = centre.y() - own.Height() / 2;
+    int left = (frame->left + frame->right - 1) / 2 - own.Width() / 2;
+    int top = (frame->top + frame->bottom - 1) / 2 - own.Height() / 2;
     MoveWindow(ui::Rect{left, top, left + own.Width(), top + own.Height()});
   } else {
     CenterWindow();
@@ -172,8 +165,7 @@ void CIMWnd::HideChat() {
 }
 
 void CIMWnd::FlashHostWindowIfMinimised() {
-  QWidget* frame = HostFrame(parent_);
-  if (frame != nullptr && frame->isMinimized()) QApplication::alert(frame);
+  ui::FlashHostWindowIfMinimised(ui::HostWindow{parent_});
 }
 
 int CIMWnd::ChatRecordHeight(int windowHeight) {

@@ -235,9 +235,17 @@ bool CIMWnd::HandlePortMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM) {
 }
 
 void CIMWnd::ShowPortBox(const PortBoxRequest& box) {
-  ui::WindowImplBase* owner =
-      box.owner == static_cast<int>(service::BoxOwner::kChatWindow) ? this : nullptr;
-  CChatMessageBox(box.title, box.text, owner, CChatMessageBox::kNotice);
+  switch (static_cast<service::BoxOwner>(box.owner)) {
+    case service::BoxOwner::kChatWindow:
+      CChatMessageBox(box.title, box.text, this, CChatMessageBox::kNotice);
+      return;
+    case service::BoxOwner::kHostWindow:
+      CChatMessageBox(box.title, box.text, ui::HostWindow{parent_}, CChatMessageBox::kNotice);
+      return;
+    case service::BoxOwner::kNone:
+      break;
+  }
+  CChatMessageBox(box.title, box.text, nullptr, CChatMessageBox::kNotice);
 }
 
 bool CIMWnd::DropPayload(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam) {
