@@ -134,7 +134,6 @@ TEST_F(FriendshipTest, IncomingRequestIsListedAcceptedAndMarkedHandled) {
   ClearSeen();
   ASSERT_EQ(engine.RequestFriend("10003", "10001", "hi"), TIM_FRIEND_RESULT_PENDING);
   ASSERT_TRUE(PumpUntilEvent(kSdkEventFriendAddRequest));
-  EXPECT_TRUE(traces.Contains("OnFriendAddRequest in"));
   ASSERT_TRUE(PumpUntil([&] {
     return tools->FindProfile(u"10003").has_value() && CountSeen(msg::kFriendRequestsChanged) >= 1;
   }));
@@ -160,7 +159,6 @@ TEST_F(FriendshipTest, IncomingRequestIsListedAcceptedAndMarkedHandled) {
     return CountSeen(msg::kFriendRequestHandled) >= 1 &&
            CountSeen(msg::kFriendRequestAccepted) >= 1;
   }));
-  EXPECT_TRUE(traces.Contains("处理加好友的请求成功!!!"));
   // Both list each other now, and the friend list follows.
   std::vector<std::string> friends = engine.FriendsOf("10001");
   EXPECT_NE(std::find(friends.begin(), friends.end(), "10003"), friends.end());
@@ -213,7 +211,6 @@ TEST_F(FriendshipTest, RemarkChangeRenamesTheFriendEverywhere) {
   }));
   EXPECT_EQ(tools->PersonName(u"10002"), u"Boss");
   EXPECT_EQ(tools->GetConvNickName(1, u"10002"), u"Boss");
-  EXPECT_TRUE(traces.Contains("更新好友资料 成功!!!"));
 }
 
 TEST_F(FriendshipTest, PendingRequestsArePagedFromTheStoredSequence) {

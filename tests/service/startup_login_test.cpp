@@ -94,12 +94,10 @@ TEST_F(StartupTest, RefusedLoginAndLogoutWithoutSignInKeepTheCounterUsable) {
   engine.FailNextCall("TIMLogin", TIM_ERR_INVALID_PARAM);
   EXPECT_FALSE(SignIn("10001", false));
   EXPECT_EQ(service::Counters().logged_in.load(), 0);
-  EXPECT_TRUE(traces.Contains("登录失败!!!"));
 
   service::InternalLogout(*tools, true);
   EXPECT_EQ(service::Counters().logged_in.load(), -1);
   EXPECT_EQ(log.CallsOf("TIMLogout").size(), 1u);
-  EXPECT_TRUE(traces.Contains("登出失败!!!"));
   ASSERT_TRUE(SignIn());  // not refused at -1; back to 0
   EXPECT_EQ(service::Counters().logged_in.load(), 0);
 }
