@@ -16,6 +16,12 @@ namespace {
 
 constexpr int kWaitMs = 5000;
 
+bool Save(QWidget* window, const std::string& path) {
+  return window != nullptr && window->grab().save(QString::fromStdString(path));
+}
+
+}  // namespace
+
 QWidget* ShownWindow(const char* className) {
   for (QWidget* widget : QApplication::topLevelWidgets()) {
     if (widget->objectName() == QLatin1String(className) && widget->isVisible()) return widget;
@@ -39,14 +45,8 @@ bool Click(QWidget* window, const char* name) {
   return true;
 }
 
-bool Save(QWidget* window, const std::string& path) {
-  return window != nullptr && window->grab().save(QString::fromStdString(path));
-}
-
-// Runs `act` on the modal dialog `className` once it shows; its modal loop
-// starts from `open`. The dialog is hidden if `act` leaves it open.
 bool WithModal(const char* className, const std::function<void()>& open,
-               const std::function<bool(QWidget*)>& act) {
+               const std::function<bool(QWidget*)>& act, bool closeIfOpen) {
   bool done = false;
   bool ok = false;
   std::function<void()> poll = [&] {
@@ -54,14 +54,12 @@ bool WithModal(const char* className, const std::function<void()>& open,
     if (dialog == nullptr) return QTimer::singleShot(10, poll);
     ok = act(dialog);
     done = true;
-    if (ShownWindow(className) == dialog) dialog->close();
+    if (closeIfOpen && ShownWindow(className) == dialog) dialog->close();
   };
   QTimer::singleShot(0, poll);
   open();
   return Pump([&] { return done && ShownWindow(className) == nullptr; }) && ok;
 }
-
-}  // namespace
 
 bool ShootAddFriend(const std::string& account, const std::string& menuPath,
                     const std::string& dialogPath) {

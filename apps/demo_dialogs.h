@@ -2,9 +2,25 @@
 // The dialogs of the chat window, opened as the user would and saved as
 // pictures by the headless run.
 
+#include <functional>
 #include <string>
 
+class QWidget;
+
 namespace demo {
+
+// The visible top-level window whose object name is `className`, or null.
+QWidget* ShownWindow(const char* className);
+// Processes events until `done` (true) or five seconds passed (false).
+bool Pump(const std::function<bool()>& done);
+// Clicks the button `name` of `window`; false when there is none.
+bool Click(QWidget* window, const char* name);
+// Runs `act` on the modal dialog `className` once it shows; its modal loop
+// starts from `open`. The dialog is closed if `act` leaves it open, unless
+// `closeIfOpen` is false (a dialog that closes itself with its own code).
+// True when `act` succeeded and the dialog has gone.
+bool WithModal(const char* className, const std::function<void()>& open,
+               const std::function<bool(QWidget*)>& act, bool closeIfOpen = true);
 
 // The add menu under CreateGroupBtn (saved to `menuPath`), then its
 // "添加好友" item: the add-friend dialog, in which `account` is searched

@@ -21,6 +21,7 @@
 #include <string>
 #include <thread>
 
+#include "apps/demo_drawings.h"
 #include "apps/demo_script.h"
 #include "apps/demo_world.h"
 #include "apps/host_frame.h"
@@ -114,8 +115,9 @@ int main(int argc, char** argv) {
     return 1;
   }
 
-  demo::HostFrame frame;
+  demo::HostFrame frame(host);
   frame.show();
+  demo::OpenDrawingInHost(host, dataRoot);
 
   const char* libraryPath = std::getenv("IM_MODULE_LIBRARY");
   im_exports::ModuleLibrary module(libraryPath ? libraryPath : IM_MODULE_LIBRARY_DEFAULT);
@@ -135,6 +137,18 @@ int main(int argc, char** argv) {
   QRect beside = frame.frameGeometry();
   ImRect chatRect{beside.right() + 10, beside.top(), beside.right() + 10 + 960, beside.top() + 680};
   std::printf("DisplayIm: %d\n", module.display(0, 0, &chatRect));
+  // Leaving the shared chat in the drawing window: the host leaves, then
+  // gives the chat window its full layout back.
+  frame.SetLeaveAction([&module] {
+    HostSystem* system = HostSystem::instance();
+    HostAppService* app = system->GetAppService();
+    HostCloudService* cloud = system->GetCloudService();
+    if (app == nullptr || cloud == nullptr || !app->IsInSharedSession()) return;
+    const WString text = app->GetSessionText();
+    cloud->LeaveSharedSession(app->GetSessionGroupId(), app->GetSessionDrawingId(), text.c_str());
+    app->EndSharedSession();
+    module.exitShare();
+  });
 
   int exitCode = 0;
   if (headless) {

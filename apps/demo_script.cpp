@@ -22,6 +22,7 @@
 #include <ctime>
 
 #include "apps/demo_dialogs.h"
+#include "apps/demo_drawings.h"
 #include "host/local/local_host.h"
 #include "imsdk/engine_control.h"
 #include "platform/strings.h"
@@ -236,6 +237,14 @@ bool VisitFriendsPage(QWidget* window, const std::string& dataRoot,
   return SaveShot(window, dataRoot + "/friend-card.png", shots);
 }
 
+bool SaveScreenshot(QWidget* window, const std::string& path) {
+  if (window != nullptr && window->grab().save(QString::fromStdString(path))) return true;
+  Say("Could not write the screenshot %s.", path);
+  return false;
+}
+
+}  // namespace
+
 // Clicks the row of the conversation list that is named `name`, as a user
 // would; false when there is no such row.
 bool OpenConversationNamed(QWidget* window, const QString& name) {
@@ -256,14 +265,6 @@ bool OpenConversationNamed(QWidget* window, const QString& name) {
   }
   return false;
 }
-
-bool SaveScreenshot(QWidget* window, const std::string& path) {
-  if (window != nullptr && window->grab().save(QString::fromStdString(path))) return true;
-  Say("Could not write the screenshot %s.", path);
-  return false;
-}
-
-}  // namespace
 
 QWidget* FindChatWindow() {
   for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -371,6 +372,7 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
   }
   result.screenshots.insert(result.screenshots.end(), {menuShot, addFriendShot, settingsShot});
   if (!VisitFriendsPage(window, dataRoot, result.screenshots)) return result;
+  if (!RunDrawingScript(host, world, dataRoot, result.screenshots)) return result;
   std::printf("Chat.db holds %d messages.\n", StoredMessageCount(db));
   result.ok = true;
   return result;

@@ -8,6 +8,7 @@
 #include "apps/demo_world.h"
 #include "module/module_library.h"
 
+class QString;
 class QWidget;
 
 namespace demo {
@@ -23,6 +24,10 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary& module, host::local::L
 
 // The module's chat window among the application's top-level windows.
 QWidget* FindChatWindow();
+
+// Clicks the row of the conversation list named `name`, as a user would;
+// false when there is no such row.
+bool OpenConversationNamed(QWidget* window, const QString& name);
 
 // Messages in the user's Chat.db (-1 when it cannot be read).
 int StoredMessageCount(const std::string& dbPath);

@@ -58,11 +58,21 @@ struct CloudGroupInfo {
 
 using CloudGroupList = std::vector<CloudGroupInfo>;
 
-// The drawing selection the share-tree dialog keeps while it is open; the
-// host fills it and takes back what it put there in ReleaseShareTree.
+// One drawing of a group's cloud space as the share tree lists it.
+struct ShareTreeDrawing {
+  int32_t drawingId = -1;
+  int32_t folderId = 0;  // 0 = the space's root
+  WString name;          // the file name, extension included
+  WString drawingRef;    // what OpenCloudDrawing and the drawing messages take
+  int64_t size = 0;      // bytes
+};
+
+// The drawing tree the share-tree dialog keeps while it is open; the host
+// fills it (FillShareTree) and takes back what it put there in
+// ReleaseShareTree.
 struct ShareTreeSelection {
   int32_t cloudGroupId = -1;
-  std::vector<WString> drawingRefs;
+  std::vector<ShareTreeDrawing> drawings;
 };
 
 // A shared chat on a drawing as the host describes it.

@@ -67,6 +67,9 @@ class HostCloudService {
   // (described by `session`), else 0.
   virtual bool QuerySharedSessionState(int32_t accountOrGroupId, SharedSessionInfo& session,
                                        int32_t& inSession) = 0;
+  // The drawings of the group's cloud space, for the share-tree dialog; the
+  // dialog hands the record back with ReleaseShareTree when it ends.
+  virtual bool FillShareTree(int32_t cloudGroupId, ShareTreeSelection& tree) = 0;
 
  protected:
   ~HostCloudService() = default;
@@ -99,6 +102,9 @@ class HostAppService {
   virtual void NotifyNewMessage() = 0;
   virtual void SetHostNotifyCallback(HostNotifyCallback callback) = 0;
   virtual void RecordFeatureUse(const char16_t* feature) = 0;
+  // The drawing files open in the host, full local paths (the drawing
+  // selection dialog offers them first).
+  virtual void GetOpenDrawings(std::vector<WString>& paths) = 0;
 
  protected:
   ~HostAppService() = default;

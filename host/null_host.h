@@ -52,6 +52,7 @@ class NullCloudService final : public HostCloudService {
     inSession = 0;
     return false;
   }
+  bool FillShareTree(int32_t, ShareTreeSelection&) override { return false; }
 };
 
 class NullAppService final : public HostAppService {
@@ -74,6 +75,7 @@ class NullAppService final : public HostAppService {
   void NotifyNewMessage() override {}
   void SetHostNotifyCallback(HostNotifyCallback) override {}
   void RecordFeatureUse(const char16_t*) override {}
+  void GetOpenDrawings(std::vector<WString>& paths) override { paths.clear(); }
 };
 
 class NullHostSystem final : public HostSystem {

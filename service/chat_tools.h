@@ -255,6 +255,10 @@ class CChatTools {
                              const DrawingMsgStru& drawing, uint32_t placeholderLocalId);
   // The local placeholder of a drawing being uploaded; returns its local id.
   uint32_t SendFakeMsg(const WString& convId, uint32_t convType, const DrawingMsgStru& drawing);
+  // The upload behind a placeholder failed: it becomes a failed send (status
+  // 3, 3164 posted) and can no longer be taken over. False when `localId` is
+  // not a placeholder waiting for its drawing.
+  bool FailPlaceholder(uint32_t localId);
   // Window thread. `pending.local_id` naming a placeholder takes it over;
   // otherwise the message gets a new local id. On success `pending` holds the
   // id and status 1 and the message is in the conversation's list.

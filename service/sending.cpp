@@ -96,6 +96,12 @@ uint32_t CChatTools::SendFakeMsg(const WString& convId, uint32_t convType,
   return placeholder.local_id;
 }
 
+bool CChatTools::FailPlaceholder(uint32_t localId) {
+  if (!sends_.FailPlaceholder(localId)) return false;
+  service::Post<platform::msg::kTransferStateChanged>(ChatWindow(), localId);
+  return true;
+}
+
 bool CChatTools::SendMsg(const WString& convId, uint32_t convType, const Json::Value& elemArray,
                          MessageStru& pending) {
   platform::Trace("SendMsg enter!!!!!!");

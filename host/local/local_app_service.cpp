@@ -127,4 +127,10 @@ void LocalAppService::RecordFeatureUse(const char16_t* feature) {
   }
 }
 
+void LocalAppService::GetOpenDrawings(std::vector<WString>& paths) {
+  Lock lock(state_.mutex);
+  paths.clear();
+  if (state_.Record("GetOpenDrawings")) paths = state_.openDrawings;
+}
+
 }  // namespace host::local

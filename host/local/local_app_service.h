@@ -26,6 +26,7 @@ class LocalAppService final : public HostAppService {
   void NotifyNewMessage() override;
   void SetHostNotifyCallback(HostNotifyCallback callback) override;
   void RecordFeatureUse(const char16_t* feature) override;
+  void GetOpenDrawings(std::vector<WString>& paths) override;
 
  private:
   LocalHostState& state_;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <thread>
 
 namespace host::local {
 namespace {
@@ -24,11 +25,6 @@ std::string Num(int64_t value) {
 
 fs::path PathOf(const char16_t* text) {
   return fs::path(platform::Utf16ToUtf8(text));
-}
-
-WString RefOf(const SpaceDrawing& drawing) {
-  const std::string ref = Num(drawing.groupId) + "/" + Num(drawing.drawingId);
-  return WString(ref.begin(), ref.end());
 }
 
 bool CopyFile(const fs::path& from, const fs::path& to) {
@@ -113,6 +109,12 @@ bool LocalCloudService::QuerySpaceFile(int32_t groupId, WString& drawingRef, con
 bool LocalCloudService::UploadSpaceFile(int32_t, const char16_t* localPath,
                                         const char16_t* description, int32_t, WString& drawingRef,
                                         int32_t, int32_t groupId, int32_t folderId) {
+  std::chrono::milliseconds delay;
+  {
+    Lock lock(state_.mutex);
+    delay = state_.uploadDelay;
+  }
+  std::this_thread::sleep_for(delay);  // the transfer, without holding the host
   Lock lock(state_.mutex);
   if (!state_.Record("UploadSpaceFile",
                      Args({Utf8(localPath), Utf8(description), Num(groupId), Num(folderId)})) ||
@@ -141,6 +143,12 @@ bool LocalCloudService::DownloadPicture(const char16_t* pictureUrl, const char16
   if (!state_.Record("DownloadPicture", Args({Utf8(pictureUrl), Utf8(localPath)})) ||
       pictureUrl == nullptr || localPath == nullptr) {
     return false;
+  }
+  // The space's own references fetch the stored drawing.
+  for (const SpaceDrawing& drawing : state_.drawings) {
+    if (RefOf(drawing) == pictureUrl) {
+      return CopyFile(PathOf(drawing.storedPath.c_str()), PathOf(localPath));
+    }
   }
   return CopyFile(PathOf(pictureUrl), PathOf(localPath));
 }
@@ -388,7 +396,12 @@ bool LocalCloudService::JoinSharedSession(int32_t groupId, int32_t drawingId,
   shared.drawingId = drawingId;
   shared.sessionText = sessionText;
   if (const LocalGroup* group = state_.FindGroup(groupId)) shared.sessionKey = group->imGroupId;
+  for (const SpaceDrawing& drawing : state_.drawings) {
+    if (drawing.groupId == groupId && drawing.drawingId == drawingId)
+      shared.drawingRef = RefOf(drawing);
+  }
   ++shared.participants;
+  state_.sessionMembers[groupId].push_back(*state_.signedIn);
   session = shared;
   return true;
 }
@@ -402,6 +415,7 @@ void LocalCloudService::LeaveSharedSession(int32_t groupId, int32_t drawingId,
   }
   auto it = state_.othersSessions.find(groupId);
   if (it != state_.othersSessions.end() && it->second.participants > 0) --it->second.participants;
+  if (state_.signedIn) std::erase(state_.sessionMembers[groupId], *state_.signedIn);
 }
 
 bool LocalCloudService::QuerySharedSessionState(int32_t accountOrGroupId,
@@ -422,6 +436,24 @@ bool LocalCloudService::QuerySharedSessionState(int32_t accountOrGroupId,
   if (it != state_.othersSessions.end() && it->second.participants > 0) {
     session = it->second;
     inSession = 1;
+  }
+  return true;
+}
+
+bool LocalCloudService::FillShareTree(int32_t cloudGroupId, ShareTreeSelection& tree) {
+  Lock lock(state_.mutex);
+  if (!state_.Record("FillShareTree", Num(cloudGroupId)) || !state_.SignedIn()) return false;
+  LocalGroup* group = state_.FindGroup(cloudGroupId);
+  if (group == nullptr || !OwnRole(*group)) return false;
+  tree = ShareTreeSelection{};
+  tree.cloudGroupId = cloudGroupId;
+  for (const SpaceDrawing& drawing : state_.drawings) {
+    if (drawing.groupId != cloudGroupId) continue;
+    std::error_code error;
+    const auto size = fs::file_size(PathOf(drawing.storedPath.c_str()), error);
+    if (error) continue;  // removed from the folder: no longer in the space
+    tree.drawings.push_back({drawing.drawingId, drawing.folderId, drawing.name, RefOf(drawing),
+                             static_cast<int64_t>(size)});
   }
   return true;
 }

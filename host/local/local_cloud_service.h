@@ -48,6 +48,7 @@ class LocalCloudService final : public HostCloudService {
   void LeaveSharedSession(int32_t groupId, int32_t drawingId, const char16_t* sessionText) override;
   bool QuerySharedSessionState(int32_t accountOrGroupId, SharedSessionInfo& session,
                                int32_t& inSession) override;
+  bool FillShareTree(int32_t cloudGroupId, ShareTreeSelection& tree) override;
 
  private:
   // The signed-in user's role in the group, or nullopt when not a member.

@@ -93,6 +93,42 @@ void LocalHost::SetSessionOf(int32_t accountOrGroupId, const SharedSessionInfo& 
   state_.othersSessions[accountOrGroupId] = session;
 }
 
+std::vector<int32_t> LocalHost::SessionMembers(int32_t groupId) const {
+  Lock lock(state_.mutex);
+  auto it = state_.sessionMembers.find(groupId);
+  return it != state_.sessionMembers.end() ? it->second : std::vector<int32_t>{};
+}
+
+void LocalHost::SetSessionMembers(int32_t groupId, std::vector<int32_t> accountIds) {
+  Lock lock(state_.mutex);
+  state_.othersSessions[groupId].participants = static_cast<int32_t>(accountIds.size());
+  state_.sessionMembers[groupId] = std::move(accountIds);
+}
+
+void LocalHost::SetOpenDrawings(std::vector<WString> paths) {
+  Lock lock(state_.mutex);
+  state_.openDrawings = std::move(paths);
+}
+
+void LocalHost::SetUploadDelay(std::chrono::milliseconds delay) {
+  Lock lock(state_.mutex);
+  state_.uploadDelay = delay;
+}
+
+std::optional<SharedSessionInfo> LocalHost::OwnSession() const {
+  Lock lock(state_.mutex);
+  if (!state_.inSession) return std::nullopt;
+  return state_.session;
+}
+
+WString LocalHost::DrawingNameOf(const WString& drawingRef) const {
+  Lock lock(state_.mutex);
+  for (const SpaceDrawing& drawing : state_.drawings) {
+    if (RefOf(drawing) == drawingRef) return drawing.name;
+  }
+  return WString();
+}
+
 // The callbacks are called without the lock: they may well call back into the host.
 bool LocalHost::SendDrawingMsgThroughModule(const WString& payload) {
   const DrawingMsgSender sender = Copy(state_, state_.drawingMsgSender);

@@ -5,6 +5,7 @@
 // from outside, and a record of every call and feature-use event.
 // Not part of the module: the module only ever sees HostSystem.
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,19 @@ class LocalHost final : public HostSystem, public GroupMirror {
   void SetSharedSession(const SharedSessionInfo& session);
   void ClearSharedSession();
   void SetSessionOf(int32_t accountOrGroupId, const SharedSessionInfo& session);
+  // Who is in the group's shared session (JoinSharedSession adds the
+  // signed-in account); another account joining or leaving as in the host.
+  std::vector<int32_t> SessionMembers(int32_t groupId) const;
+  void SetSessionMembers(int32_t groupId, std::vector<int32_t> accountIds);
+  // The drawing files the host has open (GetOpenDrawings).
+  void SetOpenDrawings(std::vector<WString> paths);
+  // An upload takes this long before it starts, as a real transfer would
+  // (the demo shows the wait window). Default: none.
+  void SetUploadDelay(std::chrono::milliseconds delay);
+  // The user's own shared session, when the host is in one.
+  std::optional<SharedSessionInfo> OwnSession() const;
+  // The file name of a drawing of the space, empty when the reference is unknown.
+  WString DrawingNameOf(const WString& drawingRef) const;
 
   // What the host does with the module's callbacks.
   bool SendDrawingMsgThroughModule(const WString& payload);  // false when none registered

@@ -90,4 +90,9 @@ CloudGroupInfo LocalHostState::Info(const LocalGroup& group) const {
   return info;
 }
 
+WString RefOf(const SpaceDrawing& drawing) {
+  return platform::Utf8ToUtf16(std::to_string(drawing.groupId) + "/" +
+                               std::to_string(drawing.drawingId));
+}
+
 }  // namespace host::local

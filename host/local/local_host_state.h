@@ -3,6 +3,7 @@
 // directory, friendships, cloud groups, the drawing space index, the shared
 // session and the record of calls. Only the local host's own classes use it.
 
+#include <chrono>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -61,7 +62,10 @@ struct LocalHostState {
 
   bool inSession = false;
   SharedSessionInfo session;
-  std::map<int32_t, SharedSessionInfo> othersSessions;  // account or group id -> its session
+  std::map<int32_t, SharedSessionInfo> othersSessions;     // account or group id -> its session
+  std::map<int32_t, std::vector<int32_t>> sessionMembers;  // group id -> accounts in its session
+  std::vector<WString> openDrawings;                       // the host's open drawing files
+  std::chrono::milliseconds uploadDelay{0};
 
   DrawingMsgSender drawingMsgSender;
   HostNotifyCallback notifyCallback;
@@ -95,5 +99,7 @@ struct LocalHostState {
 WString ImUserIdOf(int32_t accountId);
 int32_t AccountIdOf(const WString& imUserId);
 std::string Utf8(const char16_t* text);
+// The reference the space gives a drawing: "<group id>/<drawing id>".
+WString RefOf(const SpaceDrawing& drawing);
 
 }  // namespace host::local

@@ -76,6 +76,15 @@ bool PendingSends::Abandon(uint32_t localId, bool wasPlaceholder) {
   return true;
 }
 
+bool PendingSends::FailPlaceholder(uint32_t localId) {
+  std::lock_guard lock(mutex_);
+  auto it = sends_.find(localId);
+  if (placeholders_.erase(localId) == 0 || it == sends_.end()) return false;
+  SetSendStatus(it->second, kSendFailed);
+  RememberSettledLocked(localId);
+  return true;
+}
+
 std::optional<SendResult> PendingSends::LeaveCall(uint32_t localId) {
   std::lock_guard lock(mutex_);
   in_call_.erase(localId);

@@ -47,6 +47,9 @@ class PendingSends {
   // The SDK refused the call: a fresh entry goes, a taken-over placeholder
   // fails (true: the view shows it and must learn of it).
   bool Abandon(uint32_t localId, bool wasPlaceholder);
+  // The upload behind a placeholder failed: it becomes a failed send and can
+  // no longer be taken over. False when it is not a placeholder still waiting.
+  bool FailPlaceholder(uint32_t localId);
   // The call returned: a result that arrived during it, if any.
   std::optional<SendResult> LeaveCall(uint32_t localId);
   // A result arrived: parked (false) while its send is in the call.

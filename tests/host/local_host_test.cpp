@@ -115,9 +115,9 @@ TEST_F(LocalHostBehaviour, SharedSessionsOfOthersAndOfTheUser) {
   EXPECT_EQ(state.drawingId, 5);
   app().EndSharedSession();
   EXPECT_FALSE(app().IsInSharedSession());
-  ShareTreeSelection selection{1001, {u"1001/1"}};
+  ShareTreeSelection selection{1001, {{1, 0, u"a.dwg", u"1001/1", 4}}};
   cloud().ReleaseShareTree(&selection);
-  EXPECT_TRUE(selection.drawingRefs.empty());
+  EXPECT_TRUE(selection.drawings.empty());
   cloud().ReleaseShareTree(nullptr);
 }
 

@@ -47,6 +47,12 @@ TEST(Skins, EveryWindowSkinHasItsControls) {
       {"SetUp.xml",
        "SetUp_DownloadPathLabel SetUp_SelectDownloadPathBtn SetUp_ConfirmBtn SetUp_CancelBtn "
        "SetUp_Closebtn"},
+      {"DrawingSelection.xml",
+       "DrawingSelection_closebtn DrawingSelection_List DrawingSelection_Tips "
+       "DrawingSelection_FromDiskBtn DrawingSelection_SendBtn DrawingSelection_CancelBtn"},
+      {"ShareDwg.xml",
+       "ShareDwg_closebtn ShareDwg_Title ShareDwg_List ShareDwg_Tips ShareDwg_SendBtn "
+       "ShareDwg_SharedChatBtn ShareDwg_CancelBtn"},
   };
   for (const auto& [skin, controls] : skins) {
     RecordingWindow w(skin, kSkins);
@@ -97,6 +103,8 @@ TEST(Skins, ItemTemplatesHaveTheirNamesAndSubControls) {
       {"SystemReminder.xml", "SystemReminderItem", "List_Item_RichEdit"},
       {"MyselfChatItem.xml", "MyselfChatItem", "MsgContainer List_Item_RichEdit List_Item_Edit"},
       {"FriendChatItem.xml", "FriendChatItem", "MsgContainer List_Item_RichEdit List_Item_Edit"},
+      {"Drawing_list_item.xml", "DrawingItem",
+       "DrawingItem_Icon DrawingItem_Name DrawingItem_Detail"},
   };
   RecordingWindow w("IMWnd.xml", kSkins);
   ASSERT_TRUE(w.Create(nullptr, W("x")));

@@ -9,7 +9,7 @@
 #include "ui/dialogs/chat_message_box.h"
 #include "ui/kit/host_window.h"
 #include "ui/kit/toolkit_texts.h"
-#include "ui/main/chat_dialog_routes.h"
+#include "ui/main/drawing_routes.h"
 #include "ui/main/friends_page.h"
 #include "ui/main/unread_dots.h"
 
@@ -96,7 +96,8 @@ void CIMWnd::MakePanes() {
       });
   friends->SetUp();
   friends_ = std::move(friends);
-  dialogs_ = std::make_unique<ui::main::ChatDialogRoutes>(*this, tools_);
+  dialogs_ =
+      std::make_unique<ui::main::DrawingDialogRoutes>(*this, tools_, [this] { HideChatWindow(); });
 }
 
 void CIMWnd::Init() {

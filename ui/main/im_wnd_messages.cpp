@@ -92,6 +92,7 @@ bool CIMWnd::HandleServiceMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM) 
       return true;
     case msg::kDrawingSyncNotice:
       if (auto message = AdoptPosted<msg::kDrawingSyncNotice>(wParam); OfSession(tools_, message)) {
+        dialogs_->OnSharedChatNotice(message->value);
         messageView_->OnMessageChanged(message->value);
       }
       return true;

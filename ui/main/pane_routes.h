@@ -128,6 +128,8 @@ class DialogRoutes {
   virtual void ManageSharedDrawings() {}                          // ChatDrawBtn
   virtual void SendDrawing() {}                                   // IMWnd_UploadDrawBtn
   virtual void StartSharedChat() {}                               // IMWnd_SharedChatBtn
+  // 3208: a member entered or left a shared chat (the message is the window's).
+  virtual void OnSharedChatNotice(const MessageStru& /*message*/) {}
 };
 
 }  // namespace ui::main

@@ -1,0 +1,107 @@
+#include "service/drawings/drawing_upload.h"
+
+#include <memory>
+
+#include "host/feature_use.h"
+#include "host/host_access.h"
+#include "host/upload_worker.h"
+#include "platform/trace.h"
+#include "service/chat_tools.h"
+#include "service/drawings/drawing_files.h"
+
+namespace service::drawings {
+namespace {
+
+constexpr const char* kTag = "CDrawingSelection::UploadDrawing  error ";
+constexpr int32_t kSpaceRoot = 0;  // drawings go to the root folder of the group's space
+constexpr uint32_t kGroupConversation = 2;
+
+// The space's reference of the drawing: by id first, then by name. Empty
+// when the space does not have it.
+WString FindInSpace(HostCloudService& cloud, int32_t groupId, const DrawingMsgStru& drawing,
+                    int32_t spaceDrawingId) {
+  WString ref;
+  if (cloud.QuerySpaceFile(groupId, ref, nullptr, kSpaceRoot, spaceDrawingId) && !ref.empty()) {
+    return ref;
+  }
+  WString name = drawing.fileName;
+  ref.clear();
+  if (cloud.QuerySpaceFileByName(groupId, name, ref, kSpaceRoot, spaceDrawingId)) return ref;
+  return WString();
+}
+
+}  // namespace
+
+DrawingSendStep DrawingUpload::Send(const WString& convId, uint32_t convType,
+                                    const WString& localPath, int32_t spaceDrawingId,
+                                    platform::WindowHandle notify) {
+  std::optional<DrawingMsgStru> drawing = DrawingOfFile(localPath);
+  if (!drawing || running_) {
+    platform::Trace("UploadDrawing: %s", running_ ? "an upload still runs" : "not a drawing file");
+    return DrawingSendStep::kRefused;
+  }
+  drawing->type = convType;
+  if (convType != kGroupConversation) {
+    return tools_.OnSendFileElem(convId, convType, drawing->filePath, drawing->fileName,
+                                 drawing->fileSize)
+               ? DrawingSendStep::kSentAsFile
+               : DrawingSendStep::kRefused;
+  }
+  std::optional<GroupInfo> group = tools_.FindGroup(convId);
+  HostCloudService* cloud = host::AcquireCloudService(kTag, host::Gate::kSignedIn);
+  if (cloud == nullptr || !group || group->cloud_group_id < 0) {
+    platform::Trace("UploadDrawing: no cloud space for the group");
+    return DrawingSendStep::kNoSpace;
+  }
+  const int32_t groupId = group->cloud_group_id;
+  if (spaceDrawingId > 0) drawing->fileId = spaceDrawingId;
+
+  const WString ref = FindInSpace(*cloud, groupId, *drawing, spaceDrawingId);
+  if (!ref.empty()) {
+    drawing->fileRefId = ref;
+    return tools_.OnSenddrawingFileElem(convId, convType, *drawing, 0)
+               ? DrawingSendStep::kSentFromSpace
+               : DrawingSendStep::kRefused;
+  }
+
+  host::RecordFeatureUse(host::FeatureUse::kSendDrawing);
+  Running running{convId, convType, groupId, *drawing, 0};
+  running.placeholder = tools_.SendFakeMsg(convId, convType, *drawing);
+  auto task = std::make_unique<host::UploadTask>();
+  task->notify = notify;
+  task->localPath = drawing->filePath;
+  task->groupId = groupId;
+  task->folderId = kSpaceRoot;
+  if (!host::StartUploadWorker(std::move(task))) {
+    tools_.FailPlaceholder(running.placeholder);
+    return DrawingSendStep::kRefused;
+  }
+  running_ = std::move(running);
+  return DrawingSendStep::kUploading;
+}
+
+bool DrawingUpload::Finish(bool stored) {
+  if (!running_) return false;
+  Running running = std::move(*running_);
+  running_.reset();
+  if (stored) {
+    // The worker keeps nothing: the space tells the new drawing's reference.
+    HostCloudService* cloud = host::AcquireCloudService(kTag, host::Gate::kSignedIn);
+    if (cloud != nullptr) {
+      running.drawing.fileRefId = FindInSpace(*cloud, running.groupId, running.drawing, -1);
+    }
+  }
+  if (!stored || running.drawing.fileRefId.empty()) {
+    platform::Trace("UploadDrawing: %s", stored ? "stored drawing not found" : "upload failed");
+    tools_.FailPlaceholder(running.placeholder);
+    return false;
+  }
+  if (tools_.OnSenddrawingFileElem(running.convId, running.convType, running.drawing,
+                                   running.placeholder)) {
+    return true;
+  }
+  // A refused send of a placeholder has marked it failed already.
+  return false;
+}
+
+}  // namespace service::drawings
