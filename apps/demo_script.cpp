@@ -1,4 +1,5 @@
 #include "apps/demo_script.h"
+#include "apps/demo_message_kinds.h"
 
 #include <sqlite3.h>
 
@@ -28,7 +29,6 @@
 #include "platform/strings.h"
 
 namespace demo {
-namespace {
 
 bool PumpUntil(const std::function<bool()>& done, int milliseconds) {
   QDeadlineTimer deadline(milliseconds);
@@ -38,6 +38,8 @@ bool PumpUntil(const std::function<bool()>& done, int milliseconds) {
   }
   return true;
 }
+
+namespace {
 
 void Say(const char* format, const std::string& a = {}, const std::string& b = {}) {
   std::printf(format, a.c_str(), b.c_str());
@@ -372,6 +374,10 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
   }
   result.screenshots.insert(result.screenshots.end(), {menuShot, addFriendShot, settingsShot});
   if (!VisitFriendsPage(window, dataRoot, result.screenshots)) return result;
+
+  const std::string kinds = ShowEveryMessageKind(host, dataRoot);
+  if (kinds.empty()) return result;
+  result.screenshots.push_back(kinds);
   if (!RunDrawingScript(host, world, dataRoot, result.screenshots)) return result;
   std::printf("Chat.db holds %d messages.\n", StoredMessageCount(db));
   result.ok = true;

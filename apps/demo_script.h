@@ -2,6 +2,7 @@
 // The headless run: a short script that exercises the loaded module end to
 // end and reports what happened.
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,9 @@ struct ScriptResult {
 // Runs with the user signed in and the chat window shown. Prints each step.
 ScriptResult RunHeadlessScript(im_exports::ModuleLibrary& module, host::local::LocalHost& host,
                                const World& world, const std::string& dataRoot);
+
+// Runs the event loop until `done` or the time is up; false on time-out.
+bool PumpUntil(const std::function<bool()>& done, int milliseconds);
 
 // The module's chat window among the application's top-level windows.
 QWidget* FindChatWindow();

@@ -24,6 +24,7 @@
 #include "service/posting.h"
 #include "service/sdk_event_record.h"
 #include "tests/ui/test_window.h"
+#include "ui/kit/chat_list.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/main/im_wnd.h"
 #include "ui/port/chat_window_port.h"
@@ -194,11 +195,8 @@ TEST_F(ImWndTest, ScrollTimersScrollTheMessageViewToTheBottomAndTheTop) {
   ShowAt(680);
   window_.FindControl("IMWnd_ChatModule").SelectItem(0);  // the chat page
   ui::Control list = window_.FindControl("HisRecordList");
-  for (int i = 0; i < 30; ++i) {
-    ui::Control item = window_.CreateFromSkin("SystemReminder.xml");
-    ASSERT_TRUE(item);
-    ASSERT_TRUE(list.Add(item));
-  }
+  ui::ChatList items(list);
+  for (uint32_t i = 1; i <= 30; ++i) ASSERT_GE(items.Add("SystemReminder.xml", i), 0);
   ASSERT_TRUE(PumpUntil([&] { return list.GetScrollRange() > 0; }));
   window_.StartScrollTimer(CIMWnd::kScrollToBottomTimer);
   EXPECT_TRUE(window_.IsTimerPending(CIMWnd::kScrollToBottomTimer));

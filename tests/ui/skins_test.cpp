@@ -10,6 +10,7 @@
 #include <QRegularExpression>
 
 #include "tests/ui/test_window.h"
+#include "ui/kit/chat_list.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/resources.h"
 #include "ui/kit/row_list.h"
@@ -73,7 +74,6 @@ TEST(Skins, MainWindowPagesAndListsAreWhereTheWindowExpectsThem) {
   EXPECT_TRUE(w.FindControl("ConversationList").IsInside(w.FindControl("IMWnd_Col2")));
   EXPECT_TRUE(w.FindControl("IMSetUp").IsInside(w.FindControl("IMWnd_Col1")));
   EXPECT_TRUE(w.FindControl("FriendList_Info_Image").IsInside(w.FindControl("IMWnd_ChatModule")));
-  EXPECT_TRUE(w.FindControl("HisRecordList").Add(w.CreateFromSkin("friend_list_item.xml")));
   // The long lists are rows drawn from their templates.
   const std::pair<const char*, const char*> rowLists[] = {
       {"ConversationList", "Conver_list_item.xml"},
@@ -84,6 +84,12 @@ TEST(Skins, MainWindowPagesAndListsAreWhereTheWindowExpectsThem) {
     RowList rows(w.FindControl(list));
     ASSERT_TRUE(rows) << list;
     EXPECT_TRUE(rows.SetTemplate(skin, 60)) << list;
+  }
+  // The messages are items of the three chat templates.
+  ChatList messages(w.FindControl("HisRecordList"));
+  ASSERT_TRUE(messages);
+  for (const char* skin : {"SystemReminder.xml", "MyselfChatItem.xml", "FriendChatItem.xml"}) {
+    EXPECT_GE(messages.Add(skin, 1), 0) << skin;
   }
 }
 

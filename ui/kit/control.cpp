@@ -15,6 +15,7 @@
 
 #include "platform/trace.h"
 #include "ui/kit/attributes.h"
+#include "ui/kit/qt/chat_list_view.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/im_list.h"
 #include "ui/kit/qt/image_layer.h"
@@ -340,9 +341,13 @@ bool Control::Remove(const Control& item) {
 
 void Control::RemoveAll() {
   if (auto* list = qobject_cast<qt::ImList*>(qt::WidgetOf(*this))) list->RemoveAll();
+  if (auto* chat = qobject_cast<qt::ChatListView*>(qt::WidgetOf(*this))) chat->items()->Clear();
 }
 
 int Control::GetCount() const {
+  if (auto* chat = qobject_cast<qt::ChatListView*>(qt::WidgetOf(*this))) {
+    return chat->items()->rowCount();
+  }
   auto* list = qobject_cast<qt::ImList*>(qt::WidgetOf(*this));
   return list ? list->Count() : 0;
 }
@@ -359,6 +364,8 @@ int Control::GetItemIndex(const Control& item) const {
 
 void Control::SetChildPadding(int pixels) {
   if (auto* list = qobject_cast<qt::ImList*>(qt::WidgetOf(*this))) list->SetSpacing(pixels);
+  if (auto* chat = qobject_cast<qt::ChatListView*>(qt::WidgetOf(*this)))
+    chat->setSpacing(pixels / 2);
 }
 
 int Control::GetScrollPos() const {

@@ -11,6 +11,7 @@
 #include "ui/kit/toolkit_texts.h"
 #include "ui/main/drawing_routes.h"
 #include "ui/main/friends_page.h"
+#include "ui/main/message_view.h"
 #include "ui/main/unread_dots.h"
 
 namespace {
@@ -29,7 +30,8 @@ CIMWnd::CIMWnd(CChatTools& tools)
       friendSource_(service::MakeFriendListSource(tools)),
       groupSource_(service::MakeGroupListSource(tools)),
       requestSource_(service::MakeRequestListSource(tools)),
-      composerSink_(service::MakeComposerSink(tools)) {
+      composerSink_(service::MakeComposerSink(tools)),
+      messageSource_(service::MakeMessageViewSource(tools)) {
   service::CreateModuleMutexes();
   service::ForgetCurrentConversation();
 }
@@ -85,7 +87,8 @@ void CIMWnd::MakePanes() {
   conversations_ = std::make_unique<ui::main::ConversationListPane>(*this, controls_,
                                                                     *conversationSource_, *this);
   conversations_->SetUp();
-  messageView_ = std::make_unique<ui::main::MessageViewRoutes>();
+  messageView_ = std::make_unique<ui::main::MessageView>(*this, controls_, *messageSource_,
+                                                         ui::SystemDesktop());
   composer_ = std::make_unique<Composer>(*this, controls_.composer, *composerSink_);
   auto friends = std::make_unique<ui::main::FriendsPage>(
       *this, controls_, *conversations_, *this,

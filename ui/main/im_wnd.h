@@ -25,6 +25,7 @@
 #include "service/panes/friend_list_source.h"
 #include "service/panes/group_list_source.h"
 #include "service/panes/request_list_source.h"
+#include "service/panes/message_view_source.h"
 #include "service/window_payloads.h"
 #include "ui/kit/window_impl_base.h"
 #include "ui/main/composer.h"
@@ -197,6 +198,7 @@ class CIMWnd : public ui::WindowImplBase, public ui::main::ChatNavigator {
   std::unique_ptr<service::FriendListSource> friendSource_;
   std::unique_ptr<service::GroupListSource> groupSource_;
   std::unique_ptr<service::RequestListSource> requestSource_;
+  std::unique_ptr<service::MessageViewSource> messageSource_;
   std::unique_ptr<ui::main::ConversationListPane> conversations_;
   std::unique_ptr<ui::main::MessageViewRoutes> messageView_;
   std::unique_ptr<service::ComposerSink> composerSink_;

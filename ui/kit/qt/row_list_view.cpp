@@ -10,6 +10,7 @@
 #include <QStyledItemDelegate>
 
 #include "ui/kit/control.h"
+#include "ui/kit/qt/chat_list_view.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/skin_loader.h"
 
@@ -249,6 +250,9 @@ RowListView* RowListOfViewport(QWidget* widget) {
 
 QWidget* ControlUnder(QWidget* widget, QPoint localPos) {
   if (RowListView* view = RowListOfViewport(widget)) {
+    if (QWidget* control = view->ControlAt(localPos)) return control;
+  }
+  if (ChatListView* view = ChatListOfViewport(widget)) {
     if (QWidget* control = view->ControlAt(localPos)) return control;
   }
   return NearestControl(widget);

@@ -8,10 +8,12 @@
 
 #include "platform/trace.h"
 #include "ui/kit/qt/im_animation.h"
+#include "ui/kit/qt/chat_list_view.h"
 #include "ui/kit/qt/im_list.h"
 #include "ui/kit/qt/im_menu_element.h"
 #include "ui/kit/qt/im_rich_edit.h"
 #include "ui/kit/qt/row_list_view.h"
+#include "ui/kit/resources.h"
 
 namespace ui::qt {
 namespace {
@@ -29,6 +31,7 @@ class SkinUiLoader : public QUiLoader {
     if (className == QLatin1String("ImAnimation")) {
       return Named(new ImAnimation(workingDirectory(), parent), name);
     }
+    if (className == QLatin1String("ImChatList")) return Named(new ChatListView(parent), name);
     if (className == QLatin1String("ImMenuElement")) return Named(new ImMenuElement(parent), name);
     if (className == QLatin1String("QTextEdit")) return Named(new ImRichEdit(parent), name);
     return QUiLoader::createWidget(className, parent, name);
@@ -70,6 +73,18 @@ QWidget* LoadSkin(const QString& skinFolder, const QString& skinFile, QWidget* p
 
 void ForgetSkinFiles() {
   SkinBytes().clear();
+}
+
+}  // namespace ui::qt
+
+namespace ui::qt {
+
+QString SkinFolderOf(const QWidget* widget) {
+  for (; widget; widget = widget->parentWidget()) {
+    QVariant folder = widget->property("im_skinFolder");
+    if (folder.isValid()) return folder.toString();
+  }
+  return QString::fromStdString(ResourcePath("DuiLibRes/skin"));
 }
 
 }  // namespace ui::qt

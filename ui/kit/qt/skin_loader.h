@@ -15,3 +15,9 @@ QWidget* LoadSkin(const QString& skinFolder, const QString& skinFile, QWidget* p
 void ForgetSkinFiles();
 
 }  // namespace ui::qt
+
+namespace ui::qt {
+// The skin folder of the window `widget` lives in (where relative images
+// start from); the resource root's skin folder outside any window.
+QString SkinFolderOf(const QWidget* widget);
+}  // namespace ui::qt

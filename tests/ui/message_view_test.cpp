@@ -1,0 +1,309 @@
+// The message view on the real skin, driven by a source in memory; its pure
+// rules and its message map by tables.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "platform/window_messages.h"
+#include "records/emoticons.h"
+#include "tests/ui/fake_message_source.h"
+#include "tests/ui/test_window.h"
+#include "ui/main/message_map.h"
+#include "ui/main/message_view.h"
+
+namespace {
+
+using ui::main::MessageView;
+using ui::main::TransferState;
+
+MessageStru Message(uint64_t uniqueId, uint64_t time, std::vector<ElemStru> elems,
+                    bool fromSelf = false) {
+  MessageStru m;
+  m.conv_id = u"c2c_10002";
+  m.conv_type = 1;
+  m.sender = fromSelf ? u"10001" : u"10002";
+  m.unique_id = uniqueId;
+  m.server_time = time;
+  m.is_from_self = fromSelf;
+  m.elems = std::move(elems);
+  return m;
+}
+
+ElemStru Elem(int32_t type) {
+  ElemStru e;
+  e.elem_type = type;
+  return e;
+}
+
+ElemStru Text(const WString& text) {
+  ElemStru e = Elem(kElemText);
+  e.text = text;
+  return e;
+}
+
+TEST(MessageViewRules, FileTypeKeys) {
+  const std::pair<WString, WString> cases[] = {
+      {u"plan.dwg", u"DWG"},     {u"Report.Pdf", u"PDF"}, {u"a.b.xlsx", u"XLSX"},
+      {u"notes.abc", u"UNKNOW"}, {u"README", u"UNKNOW"},  {u"v1.2/readme", u"UNKNOW"},
+      {u"trailing.", u"UNKNOW"}};
+  for (const auto& [name, key] : cases) EXPECT_EQ(ui::main::FileTypeKey(name), key) << name.size();
+}
+
+TEST(MessageViewRules, PictureFailsAfterSixtyOneSecondsInProgress) {
+  using ui::main::ExpireStalledPicture;
+  EXPECT_EQ(ExpireStalledPicture(TransferState::kInProgress, 1000, 1060),
+            TransferState::kInProgress);
+  EXPECT_EQ(ExpireStalledPicture(TransferState::kInProgress, 1000, 1061), TransferState::kFailed);
+  EXPECT_EQ(ExpireStalledPicture(TransferState::kDone, 1000, 9999), TransferState::kDone);
+}
+
+TEST(MessageViewRules, HeaderIsNameThenLocalMinute) {
+  setenv("TZ", "UTC", 1);
+  tzset();
+  EXPECT_EQ(ui::main::ItemHeader(u"王工", 1700000000), u"王工 2023/11/14 22:13");
+  EXPECT_EQ(ui::main::ItemHeader(u"", 0), u" 1970/01/01 00:00");
+}
+
+TEST(MessageViewRules, EmoticonCodesSplitOutOfTheText) {
+  std::vector<records::TextPiece> pieces = records::SplitEmoticons(u"好[微笑][不存在][鼓掌]");
+  ASSERT_EQ(pieces.size(), 4u);
+  EXPECT_EQ(pieces[0].text, u"好");
+  ASSERT_NE(pieces[1].emoticon, nullptr);
+  EXPECT_EQ(records::EmoticonImageName(*pieces[1].emoticon), u"Smile");
+  EXPECT_EQ(pieces[2].text, u"[不存在]");
+  EXPECT_EQ(pieces[2].emoticon, nullptr);
+  EXPECT_EQ(records::EmoticonImageName(*pieces[3].emoticon), u"Applaud");
+}
+
+TEST(MessageMapTest, MergesPagesAndNewMessagesWithoutDuplicatesInTimeOrder) {
+  ui::main::MessageMap map;
+  EXPECT_EQ(map.Merge(u"c", {Message(3, 30, {Text(u"c")}), Message(4, 40, {Text(u"d")})}), 2u);
+  MessageStru sent = Message(0, 50, {Text(u"mine")}, true);
+  sent.local_id = 7;
+  EXPECT_EQ(map.Merge(u"c", {Message(4, 40, {Text(u"d")}), sent}), 1u);
+  // An older page overlapping the held messages, and the sent one come back
+  // from the store under its unique id.
+  MessageStru stored = sent;
+  stored.unique_id = 99;
+  EXPECT_EQ(map.Merge(u"c", {Message(1, 10, {}), Message(2, 20, {}), Message(3, 30, {}), stored}),
+            2u);
+  std::vector<ui::main::ShownMessage>& list = *map.Find(u"c");
+  std::vector<uint64_t> times;
+  for (const auto& shown : list) times.push_back(shown.message.server_time);
+  EXPECT_EQ(times, (std::vector<uint64_t>{10, 20, 30, 40, 50}));
+  EXPECT_EQ(list.back().itemId, 7u);  // a local id is its item id
+  EXPECT_EQ(list.back().message.unique_id, 99u);
+  EXPECT_EQ(map.FindItem(7), &list.back());
+}
+
+class MessageViewTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(window_.Create(nullptr, u"test"));
+    controls_.LookUp(window_);
+    view_ = std::make_unique<MessageView>(window_, controls_, source_, desktop_);
+    view_->SetClock([this] { return now_; });
+    view_->SetBoxShower([this](const WString& title, const WString& text) {
+      boxes_.push_back(title + u"|" + text);
+    });
+  }
+  void TearDown() override {
+    window_.Close();
+    ui::test::Pump(10);
+  }
+  // A refresh in mode 2: reload, rebuild.
+  void Refresh() {
+    view_->ReloadCurrentConversation();
+    view_->ShowMsgs();
+  }
+  int Row(const MessageStru& m) {
+    for (auto& shown : *view_->messages().Find(source_.convId)) {
+      if (shown.message.unique_id == m.unique_id) return view_->list().Find(shown.itemId);
+    }
+    return -1;
+  }
+
+  ui::test::RecordingWindow window_{"IMWnd.xml", "DuiLibRes\\skin\\"};
+  ui::main::MainControls controls_;
+  ui::test::FakeMessageSource source_;
+  struct NoDesktop : ui::Desktop {
+    std::vector<WString> opened;
+    bool OpenFile(const WString& p) override { return opened.push_back(p), true; }
+    bool ShowInFolder(const WString& p) override { return opened.push_back(p), true; }
+  } desktop_;
+  std::unique_ptr<MessageView> view_;
+  std::time_t now_ = 1700000000;
+  std::vector<WString> boxes_;
+};
+
+TEST_F(MessageViewTest, EmptyMessagesAreReadMarkedWithOneReportOnlyWhenFromOthers) {
+  source_.newMessages = {Message(1, 100, {}, true)};
+  Refresh();
+  EXPECT_EQ(source_.readReports, 0);
+  source_.newMessages = {Message(2, 101, {}), Message(3, 102, {})};
+  Refresh();
+  EXPECT_EQ(source_.readReports, 1);
+  Refresh();
+  EXPECT_EQ(source_.readReports, 1);
+  EXPECT_EQ(view_->list().Count(), 0);
+}
+
+TEST_F(MessageViewTest, TemplatesHeadersAndNoticesWhoeverSentThem) {
+  source_.friends[u"10002"] = u"王工";
+  ElemStru notice = Elem(kElemCustom);
+  notice.drawing.subType = 2;
+  notice.drawing.content = u"共享聊图已结束";
+  MessageStru mine = Message(1, 1000, {Text(u"你好[微笑]")}, true);
+  MessageStru theirs = Message(2, 1001, {Text(u"好")});
+  MessageStru selfNotice = Message(3, 1002, {notice}, true);
+  MessageStru local = Message(4, 1003, {Elem(kElemLocalNotice)});
+  source_.newMessages = {mine, theirs, selfNotice, local};
+  Refresh();
+  ui::ChatList& list = view_->list();
+  ASSERT_EQ(list.Count(), 4);
+  EXPECT_EQ(list.TemplateOf(Row(mine)), "MyselfChatItem.xml");
+  EXPECT_EQ(list.TemplateOf(Row(theirs)), "FriendChatItem.xml");
+  EXPECT_EQ(list.TemplateOf(Row(selfNotice)), "SystemReminder.xml");
+  EXPECT_EQ(list.TemplateOf(Row(local)), "SystemReminder.xml");
+  EXPECT_EQ(list.Get(Row(theirs), "List_Item_Edit", "text").substr(0, 3), u"王工 ");
+  EXPECT_EQ(list.Get(Row(mine), "List_Item_Edit", "text").substr(0, 3), u"张明 ");
+  EXPECT_EQ(list.Get(Row(mine), "MsgContainer", "bkcolor"), u"#FF4EC5CE");
+  EXPECT_EQ(list.PlainText(Row(mine)), u"你好[微笑]");  // copied as its code
+  EXPECT_EQ(list.PlainText(Row(selfNotice)), u"共享聊图已结束");
+  // The item resize rule: content height h gives item h + 45.
+  int row = Row(theirs);
+  EXPECT_EQ(list.ItemHeight(row), list.ContentSize(row).y + 45);
+}
+
+TEST_F(MessageViewTest, ObjectsAreInsertedOnceAndUpdatedInPlace) {
+  ElemStru voice = Elem(kElemSound);
+  voice.file_time = 7;
+  ElemStru picture = Elem(kElemImage);
+  picture.thumb_download_param = "{\"thumb\":1}";
+  MessageStru voiceMsg = Message(1, 1000, {voice});
+  MessageStru pictureMsg = Message(2, 1001, {picture});
+  source_.newMessages = {voiceMsg, pictureMsg};
+  Refresh();
+  Refresh();
+  ui::ChatList& list = view_->list();
+  EXPECT_EQ(list.ObjectCount(Row(voiceMsg)), 1);
+  EXPECT_EQ(list.Object(Row(voiceMsg), 1).caption, u"7 s");
+  ASSERT_EQ(source_.downloads.size(), 1u);  // one download, keyed by the item
+  EXPECT_EQ(source_.downloads[0].key, list.ItemId(Row(pictureMsg)));
+  EXPECT_EQ(list.Object(Row(pictureMsg), 1).image, u"../img/loading.gif");
+  now_ += 60;
+  Refresh();
+  EXPECT_EQ(list.Object(Row(pictureMsg), 1).image, u"../img/loading.gif");
+  now_ += 1;
+  Refresh();
+  EXPECT_EQ(list.Object(Row(pictureMsg), 1).image, u"../img/image_error.png");
+  EXPECT_EQ(list.ObjectCount(Row(pictureMsg)), 1);
+}
+
+TEST_F(MessageViewTest, DownloadProgressAndTheFinishedFileReachTheItem) {
+  ElemStru file = Elem(kElemFile);
+  file.file_name = u"notes.abc";
+  file.file_size = 2048;
+  file.download_param = "{}";
+  MessageStru message = Message(1, 1000, {file});
+  source_.newMessages = {message};
+  Refresh();
+  uint32_t key = source_.downloads.at(0).key;
+  EXPECT_EQ(source_.downloads[0].path, u"/nonexistent/recv/notes.abc");
+  ui::ChatList& list = view_->list();
+  EXPECT_EQ(list.Object(Row(message), 1).image, u"../img/UNKNOW.png");
+  source_.transfers[key] = DownloadState{kElemFile, 0, 512, 2048, 0, u""};
+  view_->OnTransferChanged(key, 0);
+  EXPECT_EQ(list.Object(Row(message), 1).progress, 25);
+  source_.transfers[key].downloaded = 1;
+  view_->OnTransferChanged(key, 0);
+  EXPECT_EQ(list.Object(Row(message), 1).stateImage, u"../img/FileLoaded.png");
+  EXPECT_EQ(list.Object(Row(message), 1).progress, -1);
+  EXPECT_EQ(list.ObjectCount(Row(message)), 1);
+}
+
+TEST_F(MessageViewTest, AFailedSendIsMarkedOnItsItem) {
+  MessageStru sending = Message(0, 1000, {Text(u"在吗")}, true);
+  sending.local_id = 5;
+  sending.status = kSending;
+  source_.newMessages = {sending};
+  Refresh();
+  ui::ChatList& list = view_->list();
+  int row = list.Find(5);
+  ASSERT_GE(row, 0);
+  EXPECT_NE(list.Get(row, "List_Item_Edit", "text").find(u"发送中"), WString::npos);
+  MessageStru failed = sending;
+  failed.status = kSendFailed;
+  source_.sent[5] = failed;
+  view_->OnTransferChanged(5, 0);
+  EXPECT_NE(list.Get(row, "List_Item_Edit", "text").find(u"发送失败"), WString::npos);
+}
+
+TEST_F(MessageViewTest, OlderPagesMergeAndOtherConversationsLeaveTheView) {
+  for (uint64_t i = 1; i <= 130; ++i) source_.stored.push_back(Message(i, 1000 + i, {Text(u"x")}));
+  Refresh();
+  EXPECT_EQ(view_->list().Count(), MessageView::kFirstPage);
+  EXPECT_TRUE(view_->FetchOlderPage());
+  view_->ShowMsgs();
+  EXPECT_EQ(view_->list().Count(), 120);
+  EXPECT_EQ(view_->list().PlainText(0), u"x");
+  EXPECT_EQ(view_->messages().Find(source_.convId)->front().message.unique_id, 11u);
+  source_.convId = u"c2c_10003";
+  source_.stored.clear();
+  Refresh();
+  EXPECT_EQ(view_->list().Count(), 0);
+}
+
+TEST_F(MessageViewTest, MessagesFarApartGetATimeLine) {
+  source_.newMessages = {Message(1, 1000, {Text(u"a")}), Message(2, 1060, {Text(u"b")}),
+                         Message(3, 1060 + 301, {Text(u"c")})};
+  Refresh();
+  ui::ChatList& list = view_->list();
+  ASSERT_EQ(list.Count(), 4);
+  EXPECT_EQ(list.ItemId(2), 0u);
+  EXPECT_EQ(list.TemplateOf(2), "SystemReminder.xml");
+}
+
+TEST_F(MessageViewTest, DrawingsOpenThroughTheHost) {
+  ElemStru drawing = Elem(kElemCustom);
+  drawing.drawing.subType = 1;
+  drawing.drawing.fileName = u"总图.dwg";
+  drawing.drawing.filePath = u"/tmp/总图.dwg";
+  source_.newMessages = {Message(1, 1000, {drawing})};
+  Refresh();
+  ui::ChatList& list = view_->list();
+  EXPECT_EQ(list.Object(0, 1).image, u"../img/DWG.png");
+  ui::Control edit = window_.FindControl("ChatWindow_SendrichEdit");  // any control
+  edit.SetUserData(platform::W(std::to_string(list.ItemId(0))));
+  using Check = service::MessageViewSource::DrawingCheck;
+  struct Case {
+    bool service;
+    Check check;
+    bool shared;
+    bool opens;
+    size_t opened;
+    const char16_t* box;
+  };
+  const Case cases[] = {
+      {false, Check::kExists, false, true, 0, nullptr},
+      {true, Check::kGone, false, true, 0, u"错误|图纸不存在或已被删除!"},
+      {true, Check::kFailed, false, true, 0, nullptr},
+      {true, Check::kExists, true, true, 0, nullptr},
+      {true, Check::kExists, false, false, 1, u"打开图纸|打开图纸失败!!!"},
+      {true, Check::kExists, false, true, 1, nullptr},
+  };
+  for (const Case& c : cases) {
+    source_.drawingService = c.service;
+    source_.drawingCheck = c.check;
+    source_.sharedChat = c.shared;
+    source_.drawingOpens = c.opens;
+    source_.drawingsOpened.clear();
+    boxes_.clear();
+    view_->OpenAttachment(edit);
+    EXPECT_EQ(source_.drawingsOpened.size(), c.opened);
+    WString box = boxes_.empty() ? WString() : boxes_[0];
+    EXPECT_EQ(box, c.box ? WString(c.box) : WString());
+  }
+}
+
+}  // namespace

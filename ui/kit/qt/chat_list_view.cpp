@@ -1,0 +1,401 @@
+#include "ui/kit/qt/chat_list_view.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QImageReader>
+#include <QKeyEvent>
+#include <QLayout>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+#include <QTextCursor>
+#include <QTextEdit>
+#include <QTextImageFormat>
+
+#include "ui/kit/attributes.h"
+#include "ui/kit/qt/control_ref.h"
+#include "ui/kit/qt/qt_text.h"
+#include "ui/kit/qt/skin_loader.h"
+
+namespace ui::qt {
+namespace {
+
+constexpr int kEmoticonSide = 24;
+constexpr int kProgressWidth = 160;
+constexpr int kProgressHeight = 6;
+constexpr int kFallbackWidth = 600;
+
+QString Key(const QString& control, const QString& attribute) {
+  return control + u'\n' + attribute;
+}
+
+// Images are read once per process (the same icons appear in every item).
+const QImage& CachedImage(const QString& path) {
+  static QHash<QString, QImage> cache;
+  auto it = cache.constFind(path);
+  if (it == cache.constEnd()) {
+    QImageReader reader(path);
+    it = cache.insert(path, reader.read());  // a GIF's first frame
+  }
+  return *it;
+}
+
+QImage ProgressImage(int percent) {
+  QImage image(kProgressWidth, kProgressHeight, QImage::Format_ARGB32_Premultiplied);
+  image.fill(QColor(0xD9, 0xDD, 0xE2));
+  QPainter p(&image);
+  p.fillRect(0, 0, kProgressWidth * std::clamp(percent, 0, 100) / 100, kProgressHeight,
+             QColor(0x2F, 0x9B, 0xF0));
+  return image;
+}
+
+void InsertImage(QTextDocument& doc, QTextCursor& cursor, const QString& path, int maxSide) {
+  const QImage& image = CachedImage(path);
+  doc.addResource(QTextDocument::ImageResource, QUrl(path), image);
+  QTextImageFormat format;
+  format.setName(path);
+  if (!image.isNull() && maxSide > 0) {
+    QSize size = image.size();
+    if (size.width() > maxSide || size.height() > maxSide) {
+      size.scale(maxSide, maxSide, Qt::KeepAspectRatio);
+    }
+    format.setWidth(size.width());
+    format.setHeight(size.height());
+  }
+  cursor.insertImage(format);
+}
+
+void InsertObject(QTextDocument& doc, QTextCursor& cursor, const QWidget* list,
+                  const ChatObject& object) {
+  if (!object.image.empty()) {
+    InsertImage(doc, cursor, ChatImagePath(list, object.image), object.maxSide);
+  }
+  QString caption = ToQ(object.caption);
+  if (!caption.isEmpty()) {
+    if (!object.image.empty()) cursor.insertText(QString(QChar::LineSeparator));
+    cursor.insertText(caption.replace(u'\n', QChar::LineSeparator));
+  }
+  if (!object.stateImage.empty()) {
+    cursor.insertText(QStringLiteral(" "));
+    InsertImage(doc, cursor, ChatImagePath(list, object.stateImage), 16);
+  }
+  if (object.progress >= 0) {
+    QString name = QStringLiteral("im-progress:%1").arg(object.progress);
+    doc.addResource(QTextDocument::ImageResource, QUrl(name), ProgressImage(object.progress));
+    cursor.insertText(QString(QChar::LineSeparator));
+    QTextImageFormat format;
+    format.setName(name);
+    cursor.insertImage(format);
+    cursor.insertText(QStringLiteral(" %1%").arg(object.progress));
+  }
+}
+
+// The rich edit's inset: the item's own value, else the template's.
+QMargins InsetOf(const ChatItem& item, const ChatTemplate* tpl) {
+  auto value = item.values.constFind(Key(QStringLiteral("List_Item_RichEdit"), "inset"));
+  if (value != item.values.constEnd()) {
+    if (auto rect = ParseRect(value->toStdString())) {
+      return QMargins(rect->left, rect->top, rect->right, rect->bottom);
+    }
+  }
+  return tpl && tpl->richEdit ? tpl->richEdit->contentsMargins() : QMargins();
+}
+
+// Each row in view is its template's stamp, bound to the row, with the
+// item's content drawn where the stamp's rich edit shows its text.
+class ChatDelegate : public QStyledItemDelegate {
+ public:
+  explicit ChatDelegate(ChatListView* view) : QStyledItemDelegate(view), view_(view) {}
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override {
+    ChatItem* item = view_->items()->At(index.row());
+    QWidget* stamp = view_->BindStamp(index.row(), option.rect.width());
+    if (!item || !stamp) return;
+    const ChatTemplate* tpl = view_->Template(item->skinFile);
+    painter->save();
+    stamp->render(painter, option.rect.topLeft(), QRegion(), QWidget::DrawChildren);
+    painter->restore();
+    if (!tpl->richEdit) return;
+    QWidget* port = tpl->richEdit->viewport();
+    QPoint at = option.rect.topLeft() + port->mapTo(stamp, QPoint(0, 0));
+    QTextDocument* doc = view_->Document(*item);
+    painter->save();
+    painter->translate(at);
+    QAbstractTextDocumentLayout::PaintContext context;
+    context.palette.setColor(QPalette::Text, tpl->richEdit->palette().color(QPalette::Text));
+    context.clip = QRectF(0, 0, port->width(), port->height());
+    painter->setClipRect(context.clip);
+    doc->documentLayout()->draw(painter, context);
+    painter->restore();
+  }
+
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    ChatItem* item = view_->items()->At(index.row());
+    return QSize(option.rect.width(), item ? item->height : 0);
+  }
+
+ private:
+  ChatListView* view_;
+};
+
+}  // namespace
+
+QString ItemText(const ChatItem& item) {
+  QStringList blocks;
+  for (const ChatBlock& block : item.blocks) {
+    QString text;
+    for (const ChatRun& run : block.runs) text += ToQ(run.text);
+    if (block.isObject) text += ToQ(block.object.caption);
+    blocks << text;
+  }
+  return blocks.join(u'\n');
+}
+
+QString ChatImagePath(const QWidget* list, const WString& image) {
+  QString path = ToQ(image);
+  if (QDir::isAbsolutePath(path)) return path;
+  return QString::fromStdString(
+      ResolveSkinPath(path.toStdString(), SkinFolderOf(list).toStdString()));
+}
+
+// ----- ChatModel ------------------------------------------------------------
+
+int ChatModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(items_.size());
+}
+
+QVariant ChatModel::data(const QModelIndex& index, int role) const {
+  ChatItem* item = At(index.row());
+  if (!item) return {};
+  if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole) {
+    QString header = item->values.value(Key(QStringLiteral("List_Item_Edit"), "text"));
+    QString text = ItemText(*item);
+    return header.isEmpty() ? text : header + u'\n' + text;
+  }
+  return {};
+}
+
+// Structural changes always go through a batch: its end resets the view
+// once and keeps the reader's scroll position.
+int ChatModel::Insert(int index, std::unique_ptr<ChatItem> item) {
+  BeginBatch();
+  int count = static_cast<int>(items_.size());
+  if (index < 0 || index > count) index = count;
+  uint32_t id = item->itemId;
+  items_.insert(items_.begin() + index, std::move(item));
+  if (index == count) {
+    index_[id] = index;
+  } else {
+    index_.clear();
+    for (int i = 0; i < static_cast<int>(items_.size()); ++i) {
+      index_.try_emplace(items_[i]->itemId, i);
+    }
+  }
+  batchReset_ = true;
+  EndBatch();
+  return index;
+}
+
+void ChatModel::Clear() {
+  BeginBatch();
+  items_.clear();
+  index_.clear();
+  batchReset_ = true;
+  EndBatch();
+}
+
+int ChatModel::Find(uint32_t itemId) const {
+  auto it = index_.find(itemId);
+  return it == index_.end() ? -1 : it->second;
+}
+
+ChatItem* ChatModel::At(int row) const {
+  if (row < 0 || row >= static_cast<int>(items_.size())) return nullptr;
+  return items_[static_cast<size_t>(row)].get();
+}
+
+void ChatModel::Changed(int row, bool heightChanged) {
+  if (batch_ > 0) {
+    batchHeights_ = batchHeights_ || heightChanged;
+    return;
+  }
+  QModelIndex at = index(row);
+  emit dataChanged(at, at);
+  if (heightChanged) emit heightsChanged();
+}
+
+void ChatModel::BeginBatch() {
+  if (batch_++ == 0) batchReset_ = batchHeights_ = false;
+}
+
+void ChatModel::EndBatch() {
+  if (batch_ == 0 || --batch_ > 0) return;
+  if (batchReset_) {
+    beginResetModel();
+    endResetModel();
+  } else if (batchHeights_) {
+    emit heightsChanged();
+  } else if (!items_.empty()) {
+    emit dataChanged(index(0), index(static_cast<int>(items_.size()) - 1));
+  }
+}
+
+// ----- ChatListView ---------------------------------------------------------
+
+ChatListView::ChatListView(QWidget* parent) : QListView(parent), model_(new ChatModel) {
+  model_->setParent(this);
+  setModel(model_);
+  setItemDelegate(new ChatDelegate(this));
+  setUniformItemSizes(false);
+  setSelectionMode(QAbstractItemView::SingleSelection);
+  setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+  setFrameShape(QFrame::NoFrame);
+  setResizeMode(QListView::Adjust);
+  // A rebuild keeps the reader where they were; the window scrolls on purpose.
+  auto keep = std::make_shared<int>(0);
+  connect(model_, &QAbstractItemModel::modelAboutToBeReset, this,
+          [this, keep] { *keep = verticalScrollBar()->value(); });
+  connect(model_, &QAbstractItemModel::modelReset, this, [this, keep] {
+    executeDelayedItemsLayout();
+    verticalScrollBar()->setValue(*keep);
+  });
+  connect(model_, &ChatModel::heightsChanged, this, [this] {
+    int keepAt = verticalScrollBar()->value();
+    doItemsLayout();
+    verticalScrollBar()->setValue(keepAt);
+  });
+}
+
+const ChatTemplate* ChatListView::Template(const QString& skinFile) {
+  auto it = templates_.find(skinFile);
+  if (it != templates_.end()) return it->stamp ? &*it : nullptr;
+  QWidget* stamp = LoadSkin(SkinFolderOf(this), skinFile, this);
+  ChatTemplate tpl;
+  if (stamp) {
+    stamp->setProperty("im_skinFolder", SkinFolderOf(this));
+    stamp->setProperty("im_stamp", true);
+    stamp->hide();
+    stamp->ensurePolished();
+    tpl.stamp = stamp;
+    for (QWidget* w : stamp->findChildren<QWidget*>()) {
+      w->ensurePolished();
+      if (IsNamedControl(w)) tpl.controls.insert(w->objectName(), w);
+    }
+    tpl.richEdit =
+        qobject_cast<QTextEdit*>(tpl.controls.value(QStringLiteral("List_Item_RichEdit")));
+    tpl.container = tpl.controls.value(QStringLiteral("MsgContainer"));
+  }
+  it = templates_.insert(skinFile, tpl);
+  return it->stamp ? &*it : nullptr;
+}
+
+QWidget* ChatListView::BindStamp(int row, int width) {
+  ChatItem* item = model_->At(row);
+  const ChatTemplate* tpl = item ? Template(item->skinFile) : nullptr;
+  if (!tpl) return nullptr;
+  for (auto it = item->values.cbegin(); it != item->values.cend(); ++it) {
+    qsizetype split = it.key().indexOf(u'\n');
+    QWidget* target = tpl->controls.value(it.key().left(split));
+    if (!target) continue;
+    std::string attribute = it.key().mid(split + 1).toStdString();
+    Control control = MakeControl(target);
+    WString value = FromQ(it.value());
+    if (attribute != "text" && control.GetAttribute(attribute) == value) continue;
+    control.SetAttribute(attribute, value);
+  }
+  if (tpl->richEdit) {
+    MakeControl(tpl->richEdit).SetUserData(QString::number(item->itemId).toStdU16String());
+  }
+  QSize size(width, item->height);
+  if (tpl->stamp->size() != size) tpl->stamp->resize(size);
+  if (tpl->stamp->layout()) tpl->stamp->layout()->activate();
+  return tpl->stamp;
+}
+
+QWidget* ChatListView::ControlAt(QPoint viewportPos) {
+  QModelIndex index = indexAt(viewportPos);
+  if (!index.isValid()) return nullptr;
+  QRect rect = visualRect(index);
+  QWidget* stamp = BindStamp(index.row(), rect.width());
+  if (!stamp) return nullptr;
+  QWidget* hit = stamp->childAt(viewportPos - rect.topLeft());
+  QWidget* control = NearestControl(hit ? hit : stamp);
+  return control ? control : stamp;
+}
+
+int ChatListView::WrapWidth(const ChatItem& item, const ChatTemplate& tpl) const {
+  QMargins inset = InsetOf(item, &tpl);
+  int width = 0;
+  if (tpl.container && tpl.container->maximumWidth() < QWIDGETSIZE_MAX) {
+    width = tpl.container->maximumWidth();
+  } else {
+    int listWidth = viewport()->width() > 100 ? viewport()->width() : kFallbackWidth;
+    QMargins margins = tpl.stamp->layout() ? tpl.stamp->layout()->contentsMargins() : QMargins();
+    width = listWidth - margins.left() - margins.right();
+  }
+  return std::max(40, width - inset.left() - inset.right());
+}
+
+QTextDocument* ChatListView::Document(const ChatItem& item) {
+  if (item.doc) return item.doc.get();
+  const ChatTemplate* tpl = Template(item.skinFile);
+  auto doc = std::make_unique<QTextDocument>();
+  doc->setDocumentMargin(0);
+  if (tpl && tpl->richEdit) doc->setDefaultFont(tpl->richEdit->font());
+  if (tpl && !tpl->container) {
+    QTextOption centred = doc->defaultTextOption();
+    centred.setAlignment(Qt::AlignHCenter);
+    doc->setDefaultTextOption(centred);
+  }
+  QTextCursor cursor(doc.get());
+  bool first = true;
+  for (const ChatBlock& block : item.blocks) {
+    if (!first) cursor.insertBlock();
+    first = false;
+    if (block.isObject) {
+      InsertObject(*doc, cursor, this, block.object);
+      continue;
+    }
+    for (const ChatRun& run : block.runs) {
+      if (run.image.empty()) {
+        cursor.insertText(ToQ(run.text));
+      } else {
+        InsertImage(*doc, cursor, ChatImagePath(this, run.image), kEmoticonSide);
+      }
+    }
+  }
+  if (tpl) doc->setTextWidth(WrapWidth(item, *tpl));
+  item.doc = std::move(doc);
+  return item.doc.get();
+}
+
+QSize ChatListView::ContentSize(const ChatItem& item) {
+  QTextDocument* doc = Document(item);
+  QMargins inset = InsetOf(item, Template(item.skinFile));
+  int width = static_cast<int>(std::ceil(doc->idealWidth())) + inset.left() + inset.right();
+  int height = static_cast<int>(std::ceil(doc->size().height())) + inset.top() + inset.bottom();
+  return QSize(width, height);
+}
+
+void ChatListView::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Copy) && currentIndex().isValid()) {
+    ChatItem* item = model_->At(currentIndex().row());
+    if (item) {
+      QApplication::clipboard()->setText(ItemText(*item));
+      return;
+    }
+  }
+  QListView::keyPressEvent(event);
+}
+
+ChatListView* ChatListOfViewport(QWidget* widget) {
+  auto* view = widget ? qobject_cast<ChatListView*>(widget->parentWidget()) : nullptr;
+  return view && view->viewport() == widget ? view : nullptr;
+}
+
+}  // namespace ui::qt
