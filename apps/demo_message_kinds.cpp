@@ -1,10 +1,10 @@
 #include "apps/demo_message_kinds.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QFile>
 #include <QImage>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 
@@ -23,26 +23,6 @@ namespace {
 void Say(const std::string& text) {
   std::printf("%s\n", text.c_str());
   std::fflush(stdout);
-}
-
-// A click on the conversation list's row named `name`, as the user would.
-bool ClickConversation(QWidget* window, const QString& name) {
-  auto* list = window->findChild<QAbstractItemView*>("ConversationList");
-  if (!list) return false;
-  for (int row = 0; row < list->model()->rowCount(); ++row) {
-    QModelIndex index = list->model()->index(row, 0);
-    if (!index.data().toString().contains(name)) continue;
-    QPointF at = list->visualRect(index).center();
-    QPointF global = list->viewport()->mapToGlobal(at);
-    QMouseEvent press(QEvent::MouseButtonPress, at, global, Qt::LeftButton, Qt::LeftButton,
-                      Qt::NoModifier);
-    QMouseEvent release(QEvent::MouseButtonRelease, at, global, Qt::LeftButton, Qt::NoButton,
-                        Qt::NoModifier);
-    QApplication::sendEvent(list->viewport(), &press);
-    QApplication::sendEvent(list->viewport(), &release);
-    return true;
-  }
-  return false;
 }
 
 std::string Compact(const Json::Value& value) {
@@ -106,10 +86,16 @@ std::string MakeFile(const std::string& dataRoot) {
 
 }  // namespace
 
-std::string ShowEveryMessageKind(host::local::LocalHost& host, const std::string& dataRoot) {
+std::string ShowEveryMessageKind(const std::string& dataRoot) {
   QWidget* window = FindChatWindow();
   auto* view = window ? window->findChild<QAbstractItemView*>("HisRecordList") : nullptr;
-  if (!view || !ClickConversation(window, QStringLiteral("王工"))) {
+  auto* conversations = window ? window->findChild<QAbstractButton*>("RecentConverBtn") : nullptr;
+  if (!view || !conversations) {
+    Say("The chat window has no message view.");
+    return std::string();
+  }
+  conversations->click();
+  if (!OpenConversationNamed(window, QStringLiteral("王工"))) {
     Say("The conversation with 王工 could not be opened.");
     return std::string();
   }
@@ -129,31 +115,28 @@ std::string ShowEveryMessageKind(host::local::LocalHost& host, const std::string
   Say("王工 -> 张明: a text with emoticons, a picture, a file, a drawing and a notice");
   PumpUntil([&] { return view->model()->rowCount() >= before + 5; }, 5000);
 
-  // The user's next send fails on the server.
+  // The user's next send fails on the server: the item is marked failed and
+  // the failure notice follows as a system line.
   engine.FailNextResult("TIMMsgSendNewMsg", 10007);
-  Json::Value payload;
-  payload["msgType"] = 2;
-  payload["data"]["fromUserId"] = kUser;
-  payload["data"]["fromUserName"] = "张明";
-  payload["data"]["subType"] = 0;
-  payload["data"]["type"] = 0;
-  payload["data"]["content"] = "这条消息发送失败了";
-  payload["data"]["ts"] = Json::UInt64(std::time(nullptr));
-  SharedSessionInfo session;
-  session.sessionKey = platform::W(kAnswering);
-  session.sessionText = u"demo-shared-drawing";
-  host.SetSharedSession(session);
-  host.SendDrawingMsgThroughModule(platform::W(Compact(payload)));
-  host.ClearSharedSession();
-  const int withSend = view->model()->rowCount();
-  PumpUntil([&] { return view->model()->rowCount() >= withSend + 2; }, 5000);
-  Say("张明 -> 王工: a message the server refused (marked failed, with the failure notice)");
+  const int withoutSend = view->model()->rowCount();
+  if (!TypeAndSend("这条消息发不出去")) Say("The user could not type the failing message.");
+  if (PumpUntil([&] { return view->model()->rowCount() >= withoutSend + 2; }, 5000)) {
+    Say("张明 -> 王工: a message the server refused (marked failed, with the failure notice)");
+  } else {
+    Say("The failed send did not reach the message view.");
+  }
 
   PumpUntil([] { return false; }, 300);  // downloads land, items settle
+  // Tall enough for the whole conversation in one picture.
+  const QSize size = window->size();
+  window->resize(size.width(), 1500);
+  PumpUntil([] { return false; }, 100);
   view->verticalScrollBar()->setValue(view->verticalScrollBar()->maximum());
   QCoreApplication::processEvents();
   std::string shot = dataRoot + "/message-view.png";
-  if (!window->grab().save(QString::fromStdString(shot))) {
+  bool saved = window->grab().save(QString::fromStdString(shot));
+  window->resize(size);
+  if (!saved) {
     Say("Could not write the screenshot " + shot);
     return std::string();
   }

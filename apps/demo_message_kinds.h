@@ -4,14 +4,13 @@
 
 #include <string>
 
-#include "host/local/local_host.h"
-
 namespace demo {
 
 // Opens the conversation with 王工, has him send a text with emoticons, a
 // picture, a file, a drawing and a notice, lets one of the user's sends
-// fail, and saves the window as "message-view.png" in `dataRoot`. Returns
+// fail, and saves the window, made tall enough for the whole conversation,
+// as "message-view.png" in `dataRoot`. Returns
 // the screenshot's path, or "" when a step failed (it says which).
-std::string ShowEveryMessageKind(host::local::LocalHost& host, const std::string& dataRoot);
+std::string ShowEveryMessageKind(const std::string& dataRoot);
 
 }  // namespace demo

@@ -87,10 +87,11 @@ bool OpenConversation(QWidget* window, const QString& name) {
   return false;
 }
 
+}  // namespace
+
 // The user opens the chat with 王工, types a text, picks "微笑" in the
-// emoticon picker and sends with Enter. True when the message reached the
-// engine with the emoticon as its code.
-bool SendThroughWindow(const std::string& text) {
+// emoticon picker and presses Enter. True when Enter was pressed.
+bool TypeAndSend(const std::string& text) {
   QWidget* window = FindChatWindow();
   if (window == nullptr || !PumpUntil([&] { return OpenConversation(window, "王工"); }, 3000)) {
     return false;
@@ -118,16 +119,25 @@ bool SendThroughWindow(const std::string& text) {
           2000)) {
     return false;
   }
+  PressKey(composer, Qt::Key_Return);
+  return true;
+}
+
+namespace {
+
+// TypeAndSend, true when the message reached the engine with the emoticon as
+// its code.
+bool SendThroughWindow(const std::string& text) {
   imsdk::EngineControl& engine = imsdk::EngineControl::Instance();
   size_t before = engine.MessageCount(kAnswering, kTIMConv_C2C, kUser);
-  PressKey(composer, Qt::Key_Return);
-  return PumpUntil(
-      [&] {
-        return engine.MessageCount(kAnswering, kTIMConv_C2C, kUser) > before &&
-               engine.LastMessageJson(kAnswering, kTIMConv_C2C, kUser).find("[微笑]") !=
-                   std::string::npos;
-      },
-      3000);
+  return TypeAndSend(text) &&
+         PumpUntil(
+             [&] {
+               return engine.MessageCount(kAnswering, kTIMConv_C2C, kUser) > before &&
+                      engine.LastMessageJson(kAnswering, kTIMConv_C2C, kUser).find("[微笑]") !=
+                          std::string::npos;
+             },
+             3000);
 }
 
 // True when some text in the message view contains `text`.
@@ -375,7 +385,7 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
   result.screenshots.insert(result.screenshots.end(), {menuShot, addFriendShot, settingsShot});
   if (!VisitFriendsPage(window, dataRoot, result.screenshots)) return result;
 
-  const std::string kinds = ShowEveryMessageKind(host, dataRoot);
+  const std::string kinds = ShowEveryMessageKind(dataRoot);
   if (kinds.empty()) return result;
   result.screenshots.push_back(kinds);
   if (!RunDrawingScript(host, world, dataRoot, result.screenshots)) return result;

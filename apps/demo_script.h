@@ -29,9 +29,13 @@ bool PumpUntil(const std::function<bool()>& done, int milliseconds);
 // The module's chat window among the application's top-level windows.
 QWidget* FindChatWindow();
 
-// Clicks the row of the conversation list named `name`, as a user would;
-// false when there is no such row.
+// Clicks the row of the conversation list that is named `name`, as a user
+// would; false when there is no such row.
 bool OpenConversationNamed(QWidget* window, const QString& name);
+
+// The user opens the chat with 王工, types `text`, adds the emoticon "微笑"
+// from the picker and presses Enter; true when Enter was pressed.
+bool TypeAndSend(const std::string& text);
 
 // Messages in the user's Chat.db (-1 when it cannot be read).
 int StoredMessageCount(const std::string& dbPath);

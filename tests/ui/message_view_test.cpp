@@ -2,12 +2,15 @@
 // rules and its message map by tables.
 #include <gtest/gtest.h>
 
+#include <QImage>
+#include <QWidget>
+
 #include <cstdlib>
 
 #include "platform/window_messages.h"
-#include "records/emoticons.h"
 #include "tests/ui/fake_message_source.h"
 #include "tests/ui/test_window.h"
+#include "ui/kit/qt/control_ref.h"
 #include "ui/main/message_map.h"
 #include "ui/main/message_view.h"
 
@@ -62,17 +65,6 @@ TEST(MessageViewRules, HeaderIsNameThenLocalMinute) {
   tzset();
   EXPECT_EQ(ui::main::ItemHeader(u"王工", 1700000000), u"王工 2023/11/14 22:13");
   EXPECT_EQ(ui::main::ItemHeader(u"", 0), u" 1970/01/01 00:00");
-}
-
-TEST(MessageViewRules, EmoticonCodesSplitOutOfTheText) {
-  std::vector<records::TextPiece> pieces = records::SplitEmoticons(u"好[微笑][不存在][鼓掌]");
-  ASSERT_EQ(pieces.size(), 4u);
-  EXPECT_EQ(pieces[0].text, u"好");
-  ASSERT_NE(pieces[1].emoticon, nullptr);
-  EXPECT_EQ(records::EmoticonImageName(*pieces[1].emoticon), u"Smile");
-  EXPECT_EQ(pieces[2].text, u"[不存在]");
-  EXPECT_EQ(pieces[2].emoticon, nullptr);
-  EXPECT_EQ(records::EmoticonImageName(*pieces[3].emoticon), u"Applaud");
 }
 
 TEST(MessageMapTest, MergesPagesAndNewMessagesWithoutDuplicatesInTimeOrder) {
@@ -173,6 +165,46 @@ TEST_F(MessageViewTest, TemplatesHeadersAndNoticesWhoeverSentThem) {
   // The item resize rule: content height h gives item h + 45.
   int row = Row(theirs);
   EXPECT_EQ(list.ItemHeight(row), list.ContentSize(row).y + 45);
+}
+
+// The items are painted from their templates' stamps: the header, the
+// bubble and the content all reach the screen.
+TEST_F(MessageViewTest, ItemsArePaintedWithHeaderBubbleAndContent) {
+  source_.newMessages = {Message(1, 1000, {Text(u"看一下这张图")}, true)};
+  window_.MoveWindow(ui::Rect{0, 0, 960, 680});
+  window_.ShowWindow(true, false);
+  controls_.chatModule.SelectItem(0);
+  Refresh();
+  ui::test::Pump(50);
+  QWidget* list = ui::qt::WidgetOf(controls_.hisRecordList);
+  ASSERT_NE(list, nullptr);
+  // The whole window, as a person sees it: the list is painted inside it.
+  QWidget* top = list->window();
+  QImage shot = top->grab(QRect(list->mapTo(top, QPoint(0, 0)), list->size())).toImage();
+  int bubble = 0, header = 0;
+  for (int y = 0; y < shot.height(); ++y) {
+    for (int x = 0; x < shot.width(); ++x) {
+      QColor c = shot.pixelColor(x, y);
+      if (c == QColor(0x4E, 0xC5, 0xCE)) ++bubble;
+      // The header's grey text (#8D8D8D, anti-aliased) above the bubble.
+      if (std::abs(c.red() - c.blue()) < 8 && c.red() < 0xC0 && c.red() > 0x60) ++header;
+    }
+  }
+  EXPECT_GT(bubble, 1000);
+  EXPECT_GT(header, 20);
+}
+
+// Signing out forgets every conversation: the next user sees none of the
+// previous user's items, even in a conversation of the same id.
+TEST_F(MessageViewTest, ClearingForgetsThePreviousUsersMessages) {
+  source_.newMessages = {Message(1, 1000, {Text(u"上一个用户的消息")})};
+  Refresh();
+  ASSERT_EQ(view_->list().Count(), 1);
+  view_->Clear();
+  EXPECT_EQ(view_->list().Count(), 0);
+  Refresh();
+  EXPECT_EQ(view_->list().Count(), 0);
+  EXPECT_EQ(view_->messages().Count(source_.convId), 0u);
 }
 
 TEST_F(MessageViewTest, ObjectsAreInsertedOnceAndUpdatedInPlace) {

@@ -151,6 +151,7 @@ void CIMWnd::SetNetworkStatus() {
 void CIMWnd::ResetChatWindow() {
   if (conversations_) conversations_->rows().RemoveAll();
   if (friends_) friends_->Clear();
+  if (messageView_) messageView_->Clear();
   controls_.hisRecordList.RemoveAll();
   if (composer_) composer_->Clear();
   controls_.sessionName.SetText(WString());

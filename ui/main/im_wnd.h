@@ -24,8 +24,8 @@
 #include "service/panes/conversation_list_source.h"
 #include "service/panes/friend_list_source.h"
 #include "service/panes/group_list_source.h"
-#include "service/panes/request_list_source.h"
 #include "service/panes/message_view_source.h"
+#include "service/panes/request_list_source.h"
 #include "service/window_payloads.h"
 #include "ui/kit/window_impl_base.h"
 #include "ui/main/composer.h"
@@ -198,10 +198,10 @@ class CIMWnd : public ui::WindowImplBase, public ui::main::ChatNavigator {
   std::unique_ptr<service::FriendListSource> friendSource_;
   std::unique_ptr<service::GroupListSource> groupSource_;
   std::unique_ptr<service::RequestListSource> requestSource_;
+  std::unique_ptr<service::ComposerSink> composerSink_;
   std::unique_ptr<service::MessageViewSource> messageSource_;
   std::unique_ptr<ui::main::ConversationListPane> conversations_;
   std::unique_ptr<ui::main::MessageViewRoutes> messageView_;
-  std::unique_ptr<service::ComposerSink> composerSink_;
   std::unique_ptr<ui::main::ComposerRoutes> composer_;
   std::unique_ptr<ui::main::FriendListRoutes> friends_;
   std::unique_ptr<ui::main::DialogRoutes> dialogs_;

@@ -5,9 +5,9 @@
 
 #include "platform/trace.h"
 #include "platform/window_messages.h"
-#include "records/emoticons.h"
 #include "records/message_summary.h"
 #include "service/posting.h"
+#include "ui/rules/emoticon_table.h"
 
 namespace ui::main {
 namespace {
@@ -202,10 +202,9 @@ void MessageView::RenderText(int row, ShownMessage& shown, size_t index) {
   const ElemStru& elem = shown.message.elems[index];
   const WString& text = elem.elem_type == kElemCustom ? elem.drawing.content : elem.text;
   std::vector<ChatRun> runs;
-  for (records::TextPiece& piece : records::SplitEmoticons(text)) {
+  for (rules::TextPiece& piece : rules::SplitEmoticons(text)) {
     WString image;
-    if (piece.emoticon)
-      image = u"../emoji/" + records::EmoticonImageName(*piece.emoticon) + u".png";
+    if (piece.emoticon) image = u"../emoji/" + piece.emoticon->ImageName() + u".png";
     runs.push_back(ChatRun{std::move(piece.text), std::move(image)});
   }
   list_.AppendText(row, runs);
@@ -420,6 +419,12 @@ void MessageView::OnTransferChanged(WPARAM requestKey, LPARAM) {
         break;
     }
   }
+}
+
+void MessageView::Clear() {
+  messages_ = MessageMap();
+  list_.RemoveAll();
+  shownConversation_.clear();
 }
 
 void MessageView::ReloadCurrentConversation() {

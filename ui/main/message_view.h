@@ -44,6 +44,7 @@ class MessageView : public MessageViewRoutes {
   void LoadFromStore(WPARAM more) override;
   bool FetchOlderPage() override;
   void OpenAttachment(const Control& richEdit) override;
+  void Clear() override;
 
   // The resize rule for one item, then the jump back to the bottom when the
   // view was there.

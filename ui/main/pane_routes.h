@@ -42,6 +42,9 @@ class MessageViewRoutes {
   virtual bool FetchNewerPage() { return false; }
   // A double-click on a message's List_Item_RichEdit.
   virtual void OpenAttachment(const Control& /*richEdit*/) {}
+  // The window forgets the signed-in user's data: no message of theirs may
+  // reach the next user's view.
+  virtual void Clear() {}
 
  private:
   bool loadingOlder_ = false;

@@ -1,5 +1,6 @@
 #include "ui/rules/emoticon_table.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace ui::rules {
@@ -80,6 +81,36 @@ WString PickerCodesToCodes(WString text) {
     }
   }
   return text;
+}
+
+std::vector<TextPiece> SplitEmoticons(const WString& text) {
+  // Codes are short: a '[' is only looked at that far, so a text of many
+  // brackets stays linear.
+  static const size_t longest = [] {
+    size_t n = 0;
+    for (const Emoticon& e : EmoticonTable()) n = std::max(n, e.code.size());
+    return n;
+  }();
+  std::vector<TextPiece> pieces;
+  WString plain;
+  for (size_t i = 0; i < text.size();) {
+    const Emoticon* e = nullptr;
+    if (text[i] == u'[') {
+      std::u16string_view window = std::u16string_view(text).substr(i, longest);
+      size_t close = window.find(u']');
+      if (close != std::u16string_view::npos) e = FindByCode(window.substr(0, close + 1));
+    }
+    if (!e) {
+      plain.push_back(text[i++]);
+      continue;
+    }
+    if (!plain.empty()) pieces.push_back({std::move(plain), nullptr});
+    plain.clear();
+    pieces.push_back({e->code, e});
+    i += e->code.size();
+  }
+  if (!plain.empty()) pieces.push_back({std::move(plain), nullptr});
+  return pieces;
 }
 
 }  // namespace ui::rules

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <span>
+#include <vector>
 
 #include "platform/strings.h"
 
@@ -37,5 +38,15 @@ const Emoticon* FindByCode(std::u16string_view code);
 // order ("Hi [Smile]" becomes "Hi [微笑]"). Names are matched literally and
 // with their letter case.
 WString PickerCodesToCodes(WString text);
+
+// A piece of a received text as it is shown: plain text, or one emoticon.
+struct TextPiece {
+  WString text;                        // the text, or the emoticon's code
+  const Emoticon* emoticon = nullptr;  // set for an emoticon
+};
+
+// Splits a received text at its emoticon codes; codes not in the table stay
+// text.
+std::vector<TextPiece> SplitEmoticons(const WString& text);
 
 }  // namespace ui::rules

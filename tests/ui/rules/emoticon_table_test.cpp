@@ -80,4 +80,20 @@ INSTANTIATE_TEST_SUITE_P(
                     Conversion{"[[Smile]]", "[[微笑]]"}, Conversion{"[微笑]", "[微笑]"},
                     Conversion{"", ""}));
 
+TEST(EmoticonTable, ReceivedTextSplitsAtItsCodes) {
+  std::vector<ui::rules::TextPiece> pieces = ui::rules::SplitEmoticons(u"好[微笑][不存在][鼓掌]");
+  ASSERT_EQ(pieces.size(), 4u);
+  EXPECT_EQ(pieces[0].text, u"好");
+  ASSERT_NE(pieces[1].emoticon, nullptr);
+  EXPECT_EQ(pieces[1].emoticon->ImageName(), u"Smile");
+  EXPECT_EQ(pieces[2].text, u"[不存在]");
+  EXPECT_EQ(pieces[2].emoticon, nullptr);
+  EXPECT_EQ(pieces[3].emoticon->ImageName(), u"Applaud");
+  // A bracket that opens no code stays text, and the code right after it counts.
+  pieces = ui::rules::SplitEmoticons(u"[[微笑]");
+  ASSERT_EQ(pieces.size(), 2u);
+  EXPECT_EQ(pieces[0].text, u"[");
+  ASSERT_NE(pieces[1].emoticon, nullptr);
+}
+
 }  // namespace

@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLayout>
 #include <QPainter>
+#include <QPixmap>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QTextCursor>
@@ -18,6 +19,7 @@
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/qt_text.h"
 #include "ui/kit/qt/skin_loader.h"
+#include "ui/kit/qt/stamp_hit.h"
 
 namespace ui::qt {
 namespace {
@@ -51,11 +53,14 @@ QImage ProgressImage(int percent) {
   return image;
 }
 
-void InsertImage(QTextDocument& doc, QTextCursor& cursor, const QString& path, int maxSide) {
+// Inline images (emoticons, state marks) sit on the text's middle line.
+void InsertImage(QTextDocument& doc, QTextCursor& cursor, const QString& path, int maxSide,
+                 bool middle = false) {
   const QImage& image = CachedImage(path);
   doc.addResource(QTextDocument::ImageResource, QUrl(path), image);
   QTextImageFormat format;
   format.setName(path);
+  if (middle) format.setVerticalAlignment(QTextCharFormat::AlignMiddle);
   if (!image.isNull() && maxSide > 0) {
     QSize size = image.size();
     if (size.width() > maxSide || size.height() > maxSide) {
@@ -79,7 +84,7 @@ void InsertObject(QTextDocument& doc, QTextCursor& cursor, const QWidget* list,
   }
   if (!object.stateImage.empty()) {
     cursor.insertText(QStringLiteral(" "));
-    InsertImage(doc, cursor, ChatImagePath(list, object.stateImage), 16);
+    InsertImage(doc, cursor, ChatImagePath(list, object.stateImage), 16, true);
   }
   if (object.progress >= 0) {
     QString name = QStringLiteral("im-progress:%1").arg(object.progress);
@@ -115,18 +120,28 @@ class ChatDelegate : public QStyledItemDelegate {
     QWidget* stamp = view_->BindStamp(index.row(), option.rect.width());
     if (!item || !stamp) return;
     const ChatTemplate* tpl = view_->Template(item->skinFile);
-    painter->save();
-    stamp->render(painter, option.rect.topLeft(), QRegion(), QWidget::DrawChildren);
-    painter->restore();
+    // Rendered through a pixmap: render() straight into the viewport's
+    // painter, inside the viewport's own paint, left the stamp's children
+    // (header, bubble, picture) out in the module's window.
+    const qreal ratio = view_->viewport()->devicePixelRatioF();
+    QPixmap pixmap(stamp->size() * ratio);
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::transparent);
+    stamp->render(&pixmap, QPoint(), QRegion(), QWidget::DrawChildren);
+    painter->drawPixmap(option.rect.topLeft(), pixmap);
     if (!tpl->richEdit) return;
-    QWidget* port = tpl->richEdit->viewport();
-    QPoint at = option.rect.topLeft() + port->mapTo(stamp, QPoint(0, 0));
+    // The content sits inside the rich edit's inset (its viewport is not
+    // laid out again while the stamp is hidden).
+    QMargins inset = InsetOf(*item, tpl);
+    QRect area = QRect(tpl->richEdit->mapTo(stamp, QPoint(0, 0)), tpl->richEdit->size())
+                     .marginsRemoved(inset);
+    QPoint at = option.rect.topLeft() + area.topLeft();
     QTextDocument* doc = view_->Document(*item);
     painter->save();
     painter->translate(at);
     QAbstractTextDocumentLayout::PaintContext context;
     context.palette.setColor(QPalette::Text, tpl->richEdit->palette().color(QPalette::Text));
-    context.clip = QRectF(0, 0, port->width(), port->height());
+    context.clip = QRectF(0, 0, area.width(), area.height());
     painter->setClipRect(context.clip);
     doc->documentLayout()->draw(painter, context);
     painter->restore();
@@ -318,14 +333,7 @@ QWidget* ChatListView::BindStamp(int row, int width) {
 }
 
 QWidget* ChatListView::ControlAt(QPoint viewportPos) {
-  QModelIndex index = indexAt(viewportPos);
-  if (!index.isValid()) return nullptr;
-  QRect rect = visualRect(index);
-  QWidget* stamp = BindStamp(index.row(), rect.width());
-  if (!stamp) return nullptr;
-  QWidget* hit = stamp->childAt(viewportPos - rect.topLeft());
-  QWidget* control = NearestControl(hit ? hit : stamp);
-  return control ? control : stamp;
+  return StampControlAt(*this, viewportPos);
 }
 
 int ChatListView::WrapWidth(const ChatItem& item, const ChatTemplate& tpl) const {
@@ -365,7 +373,7 @@ QTextDocument* ChatListView::Document(const ChatItem& item) {
       if (run.image.empty()) {
         cursor.insertText(ToQ(run.text));
       } else {
-        InsertImage(*doc, cursor, ChatImagePath(this, run.image), kEmoticonSide);
+        InsertImage(*doc, cursor, ChatImagePath(this, run.image), kEmoticonSide, true);
       }
     }
   }

@@ -13,6 +13,7 @@
 #include "ui/kit/qt/chat_list_view.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/skin_loader.h"
+#include "ui/kit/qt/stamp_hit.h"
 
 namespace ui::qt {
 namespace {
@@ -221,14 +222,7 @@ QWidget* RowListView::BindStamp(int row, int width) {
 }
 
 QWidget* RowListView::ControlAt(QPoint viewportPos) {
-  QModelIndex index = indexAt(viewportPos);
-  if (!index.isValid()) return nullptr;
-  QRect rect = visualRect(index);
-  QWidget* stamp = BindStamp(index.row(), rect.width());
-  if (!stamp) return nullptr;
-  QWidget* hit = stamp->childAt(viewportPos - rect.topLeft());
-  QWidget* control = NearestControl(hit ? hit : stamp);
-  return control ? control : stamp;
+  return StampControlAt(*this, viewportPos);
 }
 
 void RowListView::mouseReleaseEvent(QMouseEvent* event) {
