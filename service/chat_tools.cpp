@@ -162,6 +162,10 @@ std::optional<MessageStru> CChatTools::FindPendingSend(uint32_t localId) const {
   return sends_.Find(localId);
 }
 
+std::optional<UploadProgress> CChatTools::FindUpload(uint32_t localId) const {
+  return sends_.Upload(localId);
+}
+
 std::vector<MessageStru> CChatTools::StoredMessages(const WString& convId, int limit) const {
   std::vector<MessageStru> rows;
   store_.QueryCurrentConvMsg(convId, UserId(), limit, rows);

@@ -272,6 +272,8 @@ class CChatTools {
   // 1 until its drawing is sent. Settled sends stay findable for a while
   // (service::PendingSends::kSettledKept) so that the window can read them on 3164.
   std::optional<MessageStru> FindPendingSend(uint32_t localId) const;
+  // How far the upload of a send in flight has got, until it settles.
+  std::optional<UploadProgress> FindUpload(uint32_t localId) const;
   static void TIMMsgSendNewMsgFunc(int32_t code, const char* desc, const char* json, void* user);
   static void TIMSetMsgElemUploadProgressCallbackFunc(const char* json, uint32_t index,
                                                       uint32_t curSize, uint32_t totalSize,

@@ -1,5 +1,5 @@
 // Results of sends (on the SDK's thread): the status, the stored message or
-// the failure notice, and the upload progress that only reaches the log.
+// the failure notice, and the upload progress, which the view shows.
 #include <json/json.h>
 
 #include <memory>
@@ -120,9 +120,19 @@ void CChatTools::TIMSetMsgElemUploadProgressCallbackFunc(const char* json, uint3
   platform::Trace("Upload Progress:\n json_msg:%s,index:%d,cur_size:%d,total_size:%d",
                   service::OrEmpty(json), static_cast<int>(index), static_cast<int>(curSize),
                   static_cast<int>(totalSize));
+  CChatTools* self = service::IdCallbackOwner().load();
   Json::Value value;
   MessageStru message;
-  if (ParseObject(service::OrEmpty(json), value)) records::ParseMessage(value, message);
+  if (self != nullptr && ParseObject(service::OrEmpty(json), value) &&
+      records::ParseMessage(value, message)) {
+    // The view shows it on the message's item (3164 with its local id).
+    if (std::optional<uint32_t> localId =
+            self->sends_.RecordUpload(message, index, {curSize, totalSize})) {
+      service::Post<platform::msg::kTransferStateChanged>(self->ChatWindow(), *localId);
+    } else {
+      platform::Trace("Upload progress of no message being sent");
+    }
+  }
   platform::Trace("index:%u cur_size:%u total_size:%u", index, curSize, totalSize);
   platform::Trace("TIMSetMsgElemUploadProgressCallbackFunc exit!!!!!!");
 }

@@ -37,6 +37,13 @@ enum PendencyListVariant : int {
   kPendencyListRefresh = 2,
 };
 
+// How far the upload of a message being sent has got (bytes).
+struct UploadProgress {
+  uint64_t current = 0;
+  uint64_t total = 0;
+  bool operator==(const UploadProgress&) const = default;
+};
+
 // A pending friend request and whether the user has accepted it.
 struct PendingFriendRequest {
   FriendAddPendency pendency;

@@ -64,6 +64,10 @@ class ChatToolsMessageSource : public MessageViewSource {
     return tools_.FindPendingSend(localId);
   }
 
+  std::optional<UploadProgress> Upload(uint32_t localId) const override {
+    return tools_.FindUpload(localId);
+  }
+
   bool HasDrawingService() const override {
     return host::AcquireCloudService("HasDrawingService") != nullptr;
   }

@@ -43,6 +43,8 @@ class MessageViewSource {
   virtual WString DownloadFolder() const = 0;
   // A message the user sent, by local id: its send state and unique id.
   virtual std::optional<MessageStru> SentMessage(uint32_t localId) const = 0;
+  // How far a message being sent has been uploaded (3164 with its local id).
+  virtual std::optional<UploadProgress> Upload(uint32_t localId) const = 0;
 
   // Drawings live in the host.
   virtual bool HasDrawingService() const = 0;

@@ -5,6 +5,16 @@
 namespace service {
 namespace {
 
+// The local file an element is uploaded from; empty when it has none.
+const WString& UploadedFile(const MessageStru& message, uint32_t index) {
+  static const WString none;
+  if (index >= message.elems.size()) return none;
+  const ElemStru& elem = message.elems[index];
+  return elem.elem_type == kElemImage  ? elem.orig_path
+         : elem.elem_type == kElemFile ? elem.file_path
+                                       : none;
+}
+
 void SetSendStatus(MessageStru& message, uint32_t status) {
   message.status = status;
   if (!message.elems.empty()) message.elems.front().send_status = status;
@@ -21,6 +31,7 @@ void PendingSends::Clear() {
   in_call_.clear();
   parked_.clear();
   keys_.clear();
+  uploads_.clear();
 }
 
 uint32_t PendingSends::NextLocalId() {
@@ -111,6 +122,7 @@ std::optional<MessageStru> PendingSends::Settle(uint32_t localId, int32_t code) 
   }
   SetSendStatus(it->second, code == 0 ? kSent : kSendFailed);
   RememberSettledLocked(localId);
+  uploads_.erase(localId);
   return it->second;
 }
 
@@ -126,6 +138,30 @@ void PendingSends::SetUniqueId(uint32_t localId, uint64_t uniqueId) {
   std::lock_guard lock(mutex_);
   auto it = sends_.find(localId);
   if (it != sends_.end()) it->second.unique_id = uniqueId;
+}
+
+std::optional<uint32_t> PendingSends::RecordUpload(const MessageStru& reported, uint32_t index,
+                                                   UploadProgress progress) {
+  const WString& file = UploadedFile(reported, index);
+  if (file.empty()) return std::nullopt;
+  std::lock_guard lock(mutex_);
+  for (const auto& [localId, send] : sends_) {
+    // The conversation when the report names one.
+    if (send.status != kSending || UploadedFile(send, index) != file ||
+        (!reported.conv_id.empty() && send.conv_id != reported.conv_id)) {
+      continue;
+    }
+    uploads_[localId] = progress;
+    return localId;
+  }
+  return std::nullopt;
+}
+
+std::optional<UploadProgress> PendingSends::Upload(uint32_t localId) const {
+  std::lock_guard lock(mutex_);
+  auto it = uploads_.find(localId);
+  if (it == uploads_.end()) return std::nullopt;
+  return it->second;
 }
 
 void* PendingSends::IssueResultKey(uint32_t localId) {

@@ -20,6 +20,7 @@
 #include <string>
 
 #include "records/message_records.h"
+#include "service/service_records.h"
 
 namespace service {
 
@@ -58,6 +59,15 @@ class PendingSends {
   std::optional<MessageStru> Settle(uint32_t localId, int32_t code);
   void SetUniqueId(uint32_t localId, uint64_t uniqueId);
 
+  // The SDK reports how far an element of a message being sent has been
+  // uploaded; the report is the SDK's copy of the message, without our local
+  // id. It names the send that is still sending in the same conversation and
+  // has the same file at `index`. Returns that send's local id.
+  std::optional<uint32_t> RecordUpload(const MessageStru& reported, uint32_t index,
+                                       UploadProgress progress);
+  // Until the send settles.
+  std::optional<UploadProgress> Upload(uint32_t localId) const;
+
   // The heap copy of a local id handed to the SDK as user data. Redeem gives
   // the id back and frees the copy; an address this part did not issue (or
   // already redeemed) gives none and is not read.
@@ -76,6 +86,7 @@ class PendingSends {
   std::set<uint32_t> in_call_;
   std::map<uint32_t, SendResult> parked_;
   std::map<void*, std::unique_ptr<uint32_t>> keys_;
+  std::map<uint32_t, UploadProgress> uploads_;
 };
 
 }  // namespace service

@@ -1,6 +1,8 @@
 // The composer's sink: what it hands the SDK for the open conversation.
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 #include "service/current_conversation.h"
 #include "service/panes/composer_sink.h"
@@ -45,9 +47,16 @@ TEST_F(ComposerSinkTest, SendsEachKindIntoTheOpenConversationAndNothingWithoutOn
   EXPECT_EQ(elem(1)["image_elem_orig_path"].asString(), "/pictures/a.png");
   EXPECT_EQ(elem(2)["file_elem_file_name"].asString(), file.filename().string());
   EXPECT_EQ(elem(2)["file_elem_file_size"].asInt64(), 1234);
-  // The three results free the ids the SDK was handed.
-  EXPECT_TRUE(
-      PumpUntil([&] { return CountSeen(platform::msg::kTransferStateChanged) >= calls.size(); }));
+  // The three results free the ids the SDK was handed (3164 also carries
+  // upload progress: a send is done when it no longer is sending).
+  EXPECT_TRUE(PumpUntil([&] {
+    std::set<platform::WPARAM> ids;
+    for (const Seen& seen : SeenOf(platform::msg::kTransferStateChanged)) ids.insert(seen.wParam);
+    return ids.size() >= calls.size() && std::all_of(ids.begin(), ids.end(), [&](auto id) {
+             std::optional<MessageStru> send = tools->FindPendingSend(static_cast<uint32_t>(id));
+             return send && send->status != kSending;
+           });
+  }));
   // Pasted pictures wait beside the user's other caches.
   EXPECT_EQ(std::filesystem::path(platform::Utf16ToUtf8(sink.PastedPictureFolder())).filename(),
             "send");

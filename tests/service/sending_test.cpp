@@ -6,6 +6,7 @@
 #include "imsdk/im_sdk.h"
 #include "service/current_conversation.h"
 #include "service/local_ids.h"
+#include "service/parts/pending_sends.h"
 #include "tests/service/service_fixture.h"
 
 namespace service_test {
@@ -211,15 +212,44 @@ TEST_F(SendingTest, DrawingPlaceholderHandsItsIdToTheRealMessage) {
   EXPECT_NE(fresh, placeholder);
 }
 
-TEST_F(SendingTest, FileIsSentAndItsUploadProgressOnlyTraced) {
+TEST_F(SendingTest, FileIsSentAndItsUploadProgressReachesItsItem) {
   ASSERT_TRUE(SignIn());
   std::string path = testing::TempDir() + "service_send_upload.bin";
   std::ofstream(path, std::ios::binary) << std::string(300000, 'x');
   ClearSeen();
   ASSERT_TRUE(tools->OnSendFileElem(u"10002", 1, platform::Utf8ToUtf16(path), u"u.bin", 300000));
-  EXPECT_EQ(StatusOf(WaitForResult()), static_cast<uint32_t>(kSent));
-  EXPECT_TRUE(traces.Contains("total_size:300000"));
-  EXPECT_EQ(CountSeen(msg::kTransferStateChanged), 1u);
+  // The engine's two progress reports, then the result: each names the send.
+  uint32_t localId = WaitForResult(3);
+  EXPECT_EQ(StatusOf(localId), static_cast<uint32_t>(kSent));
+  EXPECT_EQ(CountSeen(msg::kTransferStateChanged, localId), 3u);
+  EXPECT_FALSE(tools->FindUpload(localId));  // settled: nothing in flight
+}
+
+// The SDK's report carries no local id: the send is found by conversation
+// and file, and only while it is sending.
+TEST(PendingSendsUploads, AReportNamesTheSendingMessageWithItsFile) {
+  service::PendingSends sends;
+  auto fileMessage = [](const WString& conv, const WString& file) {
+    MessageStru m;
+    m.conv_id = conv;
+    ElemStru e;
+    e.elem_type = kElemFile;
+    e.file_path = file;
+    m.elems.push_back(e);
+    return m;
+  };
+  MessageStru first = fileMessage(u"10002", u"/d/a.pdf");
+  MessageStru second = fileMessage(u"10003", u"/d/a.pdf");
+  sends.Register(first);
+  sends.Register(second);
+  EXPECT_EQ(sends.RecordUpload(fileMessage(u"10003", u"/d/a.pdf"), 0, {5, 10}), second.local_id);
+  EXPECT_EQ(sends.Upload(second.local_id), (UploadProgress{5, 10}));
+  EXPECT_FALSE(sends.Upload(first.local_id));
+  EXPECT_FALSE(sends.RecordUpload(fileMessage(u"10002", u"/d/b.pdf"), 0, {1, 2}));
+  EXPECT_FALSE(sends.RecordUpload(fileMessage(u"10002", u"/d/a.pdf"), 1, {1, 2}));
+  sends.Settle(second.local_id, 0);
+  EXPECT_FALSE(sends.Upload(second.local_id));
+  EXPECT_FALSE(sends.RecordUpload(fileMessage(u"10003", u"/d/a.pdf"), 0, {10, 10}));
 }
 
 // Results settle on the SDK's thread while the window thread sends more.

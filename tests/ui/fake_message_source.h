@@ -23,6 +23,7 @@ class FakeMessageSource : public service::MessageViewSource {
   std::vector<DownloadCall> downloads;
   std::map<uint32_t, DownloadState> transfers;
   std::map<uint32_t, MessageStru> sent;
+  std::map<uint32_t, UploadProgress> uploads;
   int readReports = 0;
   bool drawingService = true;
   DrawingCheck drawingCheck = DrawingCheck::kExists;
@@ -60,6 +61,11 @@ class FakeMessageSource : public service::MessageViewSource {
   std::optional<MessageStru> SentMessage(uint32_t localId) const override {
     auto it = sent.find(localId);
     if (it == sent.end()) return std::nullopt;
+    return it->second;
+  }
+  std::optional<UploadProgress> Upload(uint32_t localId) const override {
+    auto it = uploads.find(localId);
+    if (it == uploads.end()) return std::nullopt;
     return it->second;
   }
   bool HasDrawingService() const override { return drawingService; }

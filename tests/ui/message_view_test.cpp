@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <cstdlib>
+#include <fstream>
 
 #include "platform/window_messages.h"
 #include "tests/ui/fake_message_source.h"
@@ -252,6 +253,34 @@ TEST_F(MessageViewTest, DownloadProgressAndTheFinishedFileReachTheItem) {
   EXPECT_EQ(list.Object(Row(message), 1).stateImage, u"../img/FileLoaded.png");
   EXPECT_EQ(list.Object(Row(message), 1).progress, -1);
   EXPECT_EQ(list.ObjectCount(Row(message)), 1);
+}
+
+TEST_F(MessageViewTest, UploadProgressReachesTheItemUntilTheSendSettles) {
+  const std::string path = testing::TempDir() + "message_view_upload.pdf";
+  std::ofstream(path) << "x";
+  ElemStru file = Elem(kElemFile);
+  file.file_name = u"upload.pdf";
+  file.file_path = platform::Utf8ToUtf16(path);
+  MessageStru sending = Message(0, 1000, {file}, true);
+  sending.local_id = 6;
+  sending.status = kSending;
+  source_.newMessages = {sending};
+  Refresh();
+  ui::ChatList& list = view_->list();
+  const int row = list.Find(6);
+  ASSERT_GE(row, 0);
+  EXPECT_EQ(list.Object(row, 1).progress, -1);  // nothing reported yet
+  source_.uploads[6] = {768, 1024};
+  view_->OnTransferChanged(6, 0);
+  EXPECT_EQ(list.Object(row, 1).progress, 75);
+  source_.uploads.erase(6);
+  MessageStru sent = sending;
+  sent.status = kSent;
+  source_.sent[6] = sent;
+  view_->OnTransferChanged(6, 0);
+  EXPECT_EQ(list.Object(row, 1).progress, -1);
+  EXPECT_EQ(list.Object(row, 1).stateImage, u"../img/FilepUpLoaded.png");
+  EXPECT_EQ(list.ObjectCount(row), 1);
 }
 
 TEST_F(MessageViewTest, AFailedSendIsMarkedOnItsItem) {

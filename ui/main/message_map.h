@@ -45,6 +45,9 @@ class MessageMap {
   size_t Count(const WString& convId) const;
   ShownMessage* FindItem(uint32_t itemId, WString* convId = nullptr);
   void Forget(const WString& convId);
+  // Forgets every conversation (sign-out). Item ids go on counting: a late
+  // 3164 of the ended session names no item of the next one.
+  void Clear() { conversations_.clear(); }
 
  private:
   uint32_t ItemIdFor(const MessageStru& message);

@@ -63,6 +63,11 @@ uint32_t SendState(const MessageStru& message) {
   return message.elems.empty() ? kSendNone : message.elems.front().send_status;
 }
 
+// An own element on its way up, with progress reported.
+bool Uploading(const ShownMessage& shown, const ShownElem& view) {
+  return view.own && view.totalSize != 0 && SendState(shown.message) == kSending;
+}
+
 }  // namespace
 
 MessageView::MessageView(WindowImplBase& window, MainControls& controls,
@@ -250,7 +255,9 @@ void MessageView::RenderPicture(int row, ShownMessage& shown, size_t index) {
   object.maxSide = kPictureSide;
   std::u16string_view state = PictureStateImage(view.transfer);
   object.image = state.empty() ? view.localPath : Image(state);
-  if (view.transfer == TransferState::kInProgress) object.progress = Percent(view);
+  if (view.transfer == TransferState::kInProgress || Uploading(shown, view)) {
+    object.progress = Percent(view);
+  }
   PutObject(row, view, object);
 }
 
@@ -278,6 +285,8 @@ void MessageView::RenderFile(int row, ShownMessage& shown, size_t index) {
       object.stateImage = Image(u"FileLoadError.png");
     } else if (state != kSending) {
       object.stateImage = Image(u"FilepUpLoaded.png");
+    } else if (Uploading(shown, view)) {
+      object.progress = Percent(view);
     }
   } else {
     if (view.transfer == TransferState::kNone && !elem.download_param.empty()) {
@@ -385,6 +394,12 @@ void MessageView::FollowTransfer(ShownMessage& shown) {
   }
   MessageStru& message = shown.message;
   if (message.local_id == 0 || message.local_id != shown.itemId) return;
+  if (std::optional<UploadProgress> upload = source_.Upload(message.local_id)) {
+    for (ShownElem& view : shown.elems) {
+      view.currentSize = upload->current;
+      view.totalSize = upload->total;
+    }
+  }
   if (std::optional<MessageStru> sent = source_.SentMessage(message.local_id)) {
     message.status = sent->status;
     if (!message.elems.empty() && !sent->elems.empty()) {
@@ -422,7 +437,7 @@ void MessageView::OnTransferChanged(WPARAM requestKey, LPARAM) {
 }
 
 void MessageView::Clear() {
-  messages_ = MessageMap();
+  messages_.Clear();
   list_.RemoveAll();
   shownConversation_.clear();
 }
