@@ -7,6 +7,7 @@
 #include <optional>
 
 #include <QAbstractItemView>
+#include <QCoreApplication>
 #include <QScrollBar>
 
 #include "bench/ui/shown_chat_window.h"
@@ -112,12 +113,15 @@ BENCHMARK(BM_OpenConversation)->Arg(1000)->Unit(benchmark::kMillisecond);
 void BM_ScrollMessageView(benchmark::State& state) {
   ViewWith chat(static_cast<int>(state.range(0)));
   chat.Rebuild();
+  QCoreApplication::processEvents();  // the delayed layout sets the scroll range
   QScrollBar* bar = chat.list->verticalScrollBar();
   const int step = 3 * 20;  // one wheel notch: three lines
   for (auto _ : state) {
     bar->setValue(bar->value() + step >= bar->maximum() ? 0 : bar->value() + step);
     chat.list->viewport()->repaint();
   }
+  state.counters["range_px"] = bar->maximum();
+  if (bar->maximum() <= step) state.SkipWithError("the view does not scroll");
 }
 BENCHMARK(BM_ScrollMessageView)->Arg(1000)->Unit(benchmark::kMillisecond);
 
