@@ -143,14 +143,13 @@ bool SendThroughWindow(const std::string& text) {
 // True when some text in the message view contains `text`.
 bool ViewShows(const std::string& text) {
   QWidget* window = FindChatWindow();
-  auto* view = window ? window->findChild<QWidget*>(QStringLiteral("HisRecordList")) : nullptr;
-  if (view == nullptr) return false;
+  auto* view =
+      window ? window->findChild<QAbstractItemView*>(QStringLiteral("HisRecordList")) : nullptr;
+  if (view == nullptr || view->model() == nullptr) return false;
+  // The items are data: each reads as its header and its text.
   const QString wanted = QString::fromStdString(text);
-  for (QLabel* label : view->findChildren<QLabel*>()) {
-    if (label->text().contains(wanted)) return true;
-  }
-  for (QTextEdit* edit : view->findChildren<QTextEdit*>()) {
-    if (edit->toPlainText().contains(wanted)) return true;
+  for (int row = 0; row < view->model()->rowCount(); ++row) {
+    if (view->model()->index(row, 0).data().toString().contains(wanted)) return true;
   }
   return false;
 }
