@@ -1,5 +1,6 @@
 #include "host/group_actions.h"
 
+#include "host/group_lookup.h"
 #include "host/host_access.h"
 #include "host/host_texts.h"
 #include "platform/trace.h"
@@ -29,15 +30,6 @@ const char* FailureText(GroupAction action) {
   return "";
 }
 
-void ShowGroupQueryFailure(GroupAction action, UserPrompt& prompt) {
-  platform::Trace("%s", text::kGroupQueryFailedTrace);
-  if (action == GroupAction::kAddMembers) {
-    prompt.ShowMessage(W(text::kAddMembersQueryTitle), W(text::kAddMembersQueryFailed));
-  } else {
-    prompt.ShowMessage(W(text::kErrorTitle), W(text::kGroupQueryFailed));
-  }
-}
-
 bool PerformAction(HostCloudService& cloud, const GroupActionRequest& request, int32_t groupId) {
   switch (request.action) {
     case GroupAction::kRemoveMembers:
@@ -65,7 +57,10 @@ GroupActionResult RunGroupAction(const GroupActionRequest& request, const char* 
 
   GroupDetail group;
   if (!cloud->GetGroupMembers(request.imGroupId.c_str(), group)) {
-    ShowGroupQueryFailure(request.action, prompt);
+    ShowGroupQueryFailure(request.action == GroupAction::kAddMembers
+                              ? GroupQueryWording::kAddMembers
+                              : GroupQueryWording::kCommon,
+                          prompt);
     return GroupActionResult::kGroupQueryFailed;
   }
   const int32_t groupId = group.cloudGroupId;

@@ -82,12 +82,17 @@ void CChatTools::ClearResource() {
   platform::Trace("ClearResource exit!!!!!!");
 }
 
+void CChatTools::DeleteStoredHistory(const WString& convId) {
+  store_.RunSql(UserId(), convId);
+}
+
 void CChatTools::ClearCaches() {
   recent_.Clear();
   groups_.Clear();
   friends_.Clear();
   sends_.Clear();
   downloads_.Clear();
+  roster_.Clear();
   // The open conversation belongs to the signed-out user as well.
   service::ForgetCurrentConversation();
   if (store_.IsOpen()) store_.Close();

@@ -45,6 +45,7 @@
 #include "service/parts/downloads.h"
 #include "service/parts/friend_directory.h"
 #include "service/parts/group_directory.h"
+#include "service/parts/group_roster.h"
 #include "service/parts/pending_sends.h"
 #include "service/parts/recent_conversations.h"
 #include "service/sdk_event_record.h"
@@ -224,6 +225,11 @@ class CChatTools {
   host::OwnerTransferResult TransferGroupOwner(const WString& imGroupId,
                                                const host::OwnerTransferRequest& request,
                                                const char* tag);
+  // The groups the group windows looked up at the host, with their members
+  // (service/group_operations.h acts on them).
+  service::GroupRoster& Roster() { return roster_; }
+  // The signed-in user's stored messages of the conversation go.
+  void DeleteStoredHistory(const WString& convId);
 
   // ===== Friends the conversation side reads =================================
   int RequestFriendList();
@@ -383,6 +389,7 @@ class CChatTools {
   service::FriendDirectory friends_;
   service::PendingSends sends_;
   service::Downloads downloads_;
+  service::GroupRoster roster_;
   // Last: its start and end empty the parts above.
   service::Session session_{[this] { ClearCaches(); }};
 };

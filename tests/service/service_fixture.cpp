@@ -168,6 +168,9 @@ void ServiceTest::Handle(const platform::WindowMessage& message, bool dispatch) 
     case msg::kConversationLogoChanged:
       seen.first = service::AdoptPosted<msg::kConversationLogoChanged>(message.wParam)->value;
       break;
+    case msg::kConversationDatum:
+      seen.first = service::AdoptPosted<msg::kConversationDatum>(message.wParam)->value;
+      break;
     case msg::kConversationNameChanged:
       seen.first = service::AdoptPosted<msg::kConversationNameChanged>(message.wParam)->value;
       seen.second =

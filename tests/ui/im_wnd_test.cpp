@@ -423,16 +423,21 @@ TEST_F(ImWndTest, ContextMenusByWhereTheRightClickWasAndCreatingAGroupIsReported
   ShownMenu()->close();
   EXPECT_TRUE(PumpUntil([&] { return ChatPage() == CIMWnd::kEmptyChatPage; }));
 
-  // The create-group picker is not built yet; its use is reported all the same.
+  // 3163 opens the create-group picker modally, once its use was reported.
   host::local::LocalHost host("space");
   host.Install();
+  std::vector<WString> usesWhenShown;
+  std::function<void()> poll = [&] {
+    QWidget* dialog = ShownTopLevel("CreateGroupWindow");
+    if (dialog == nullptr) return QTimer::singleShot(1, poll);
+    usesWhenShown = host.FeatureUses();
+    dialog->close();
+  };
+  QTimer::singleShot(0, poll);
   platform::PostMessage(port_.ChatWindow(), platform::msg::kOpenCreateGroup, 0, 0);
-  EXPECT_TRUE(PumpUntil([&] {
-    for (const host::local::HostCall& call : host.Calls()) {
-      if (call.name == "RecordFeatureUse" && call.args == "IM-CreateGroup") return true;
-    }
-    return false;
-  }));
+  EXPECT_TRUE(
+      PumpUntil([&] { return !usesWhenShown.empty() && !ShownTopLevel("CreateGroupWindow"); }));
+  EXPECT_EQ(usesWhenShown, std::vector<WString>{u"IM-CreateGroup"});
   host.Uninstall();
 }
 

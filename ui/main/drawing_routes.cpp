@@ -52,8 +52,9 @@ bool OpenConversation(WString& convId, uint32_t& convType) {
 }  // namespace
 
 DrawingDialogRoutes::DrawingDialogRoutes(WindowImplBase& window, CChatTools& tools,
+                                         ChatNavigator& navigator,
                                          std::function<void()> enterCompact)
-    : ChatDialogRoutes(window, tools),
+    : ChatDialogRoutes(window, tools, navigator),
       window_(window),
       tools_(tools),
       enterCompact_(std::move(enterCompact)),

@@ -14,7 +14,7 @@ namespace ui::main {
 class DrawingDialogRoutes final : public ChatDialogRoutes {
  public:
   // `enterCompact` turns the chat window to its shared-chat layout.
-  DrawingDialogRoutes(WindowImplBase& window, CChatTools& tools,
+  DrawingDialogRoutes(WindowImplBase& window, CChatTools& tools, ChatNavigator& navigator,
                       std::function<void()> enterCompact);
 
   void SendDrawing() override;

@@ -56,6 +56,7 @@ class FriendsPage : public FriendListRoutes {
   void ShowRequests() override;
   void ShowGroups() override;
   void ShowUserCard(const Control& image) override { SelectFriend(image); }
+  WString FriendIdOf(const Control& control) const override { return friends_.IdOf(control); }
   void AcceptRequest(const Control& confirmButton) override { requests_.Accept(confirmButton); }
   void OpenChatWithShownFriend() override { OpenChat(card_.ShownId(), kFriendChat); }
   void OpenChatWithMenuFriend() override { OpenChat(menuTarget_, kFriendChat); }

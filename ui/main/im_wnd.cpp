@@ -99,8 +99,8 @@ void CIMWnd::MakePanes() {
       });
   friends->SetUp();
   friends_ = std::move(friends);
-  dialogs_ =
-      std::make_unique<ui::main::DrawingDialogRoutes>(*this, tools_, [this] { HideChatWindow(); });
+  dialogs_ = std::make_unique<ui::main::DrawingDialogRoutes>(*this, tools_, *this,
+                                                             [this] { HideChatWindow(); });
 }
 
 void CIMWnd::Init() {

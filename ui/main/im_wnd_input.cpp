@@ -107,6 +107,7 @@ void CIMWnd::OnClick(ui::TNotifyUI& msg) {
        [&] {
          service::SetCurrentConversation(service::CurrentConvId(), 1);
          friends_->ShowUserCard(sender);
+         dialogs_->OpenFriendCard(friends_->FriendIdOf(sender));
        }},
       {"friend_list_nickname", false, [&] { friends_->SelectFriend(sender); }},
       {"FriendList_Info_RemarksBtn", false,

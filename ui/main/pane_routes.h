@@ -107,6 +107,8 @@ class FriendListRoutes {
   virtual void ShowGroups() {}
   // friend_list_Image: the card of the user in the control's user data.
   virtual void ShowUserCard(const Control& /*image*/) {}
+  // The friend a control of the friend list belongs to (empty: none).
+  virtual WString FriendIdOf(const Control& /*control*/) const { return WString(); }
   virtual void AcceptRequest(const Control& /*confirmButton*/) {}
   virtual void OpenChatWithShownFriend() {}  // PerSonInfo_SendMsg
   virtual void OpenChatWithMenuFriend() {}   // menu 3170
@@ -128,6 +130,8 @@ class DialogRoutes {
   virtual void OpenAddFriend() {}                                 // 3162, 3172
   virtual void OpenCreateGroup() {}                               // 3163, 3173
   virtual void OpenGroupFunction(const Control& /*button*/) {}    // GroupFunctionBtn
+  virtual void OpenFriendCard(const WString& /*id*/) {}           // friend_list_Image
+  virtual void OpenUserInfo(const WString& /*id*/) {}             // a person in a chat
   virtual void ManageSharedDrawings() {}                          // ChatDrawBtn
   virtual void SendDrawing() {}                                   // IMWnd_UploadDrawBtn
   virtual void StartSharedChat() {}                               // IMWnd_SharedChatBtn
