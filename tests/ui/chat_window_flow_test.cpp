@@ -3,6 +3,12 @@
 // the dot and the group is reported read.
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QTimer>
+
+#include "host/local/engine_group_link.h"
+#include "host/local/local_host.h"
 #include "imsdk/engine_control.h"
 #include "imsdk/im_sdk.h"
 #include "service/chat_tools.h"
@@ -79,6 +85,51 @@ TEST_F(ChatWindowFlowTest, MessagesMarkAndRaiseConversationsAndOpeningAGroupRead
   }));
   EXPECT_FALSE(tools_.IsUnread(groupId));
   EXPECT_TRUE(DotOn(rows.Find(u"10002")));
+}
+
+// Clicks `button` of the top-level window `className` once it shows.
+void ClickWhenShown(const char* className, const char* button) {
+  for (QWidget* w : QApplication::topLevelWidgets()) {
+    if (w->objectName() == QLatin1String(className) && w->isVisible()) {
+      if (auto* b = w->findChild<QAbstractButton*>(button)) return b->click();
+    }
+  }
+  QTimer::singleShot(5, [className, button] { ClickWhenShown(className, button); });
+}
+
+TEST_F(ChatWindowFlowTest, LeavingAGroupFromItsPanelRemovesItsConversationAndPage) {
+  host::local::LocalHost host(testing::TempDir() + "/flow-space");
+  host.Install();
+  for (int32_t id : {10001, 10002}) {
+    host::local::LocalAccount account;
+    account.id = id;
+    host.AddAccount(account);
+  }
+  host.SignIn(10001);
+  host::local::EngineGroupLink link(host);
+  std::string group = engine_.CreateGroup("10002", "图纸评审组", {"10001"});
+  ASSERT_EQ(engine_.SendText("10002", kTIMConv_Group, group, "请核对楼梯间"), 0);
+  WString groupId = platform::Utf8ToUtf16(group);
+  ASSERT_TRUE(service::SignIn(tools_, u"10001", u"sig"));
+  ui::RowList& rows = window_.Conversations().rows();
+  ASSERT_TRUE(PumpUntil([&] { return rows.Find(groupId) >= 0 && tools_.IsJoinedGroup(groupId); }));
+  window_.Conversations().OpenConversation(groupId);
+  ASSERT_EQ(window_.FindControl("IMWnd_ChatModule").GetCurSel(), ui::main::kChatPage);
+
+  // The panel opens at the button; leaving asks first (the module's box).
+  QTimer::singleShot(0, [] { ClickWhenShown("GroupFunction", "GroupFunction_LeaveBtn"); });
+  QTimer::singleShot(0, [] { ClickWhenShown("CChatMessageBox", "ChatMessagebox_ConfirmBtn"); });
+  window_.SendNotify(window_.FindControl("GroupFunctionBtn"), ui::kNotifyClick);
+
+  EXPECT_TRUE(PumpUntil([&] {
+    return window_.FindControl("IMWnd_ChatModule").GetCurSel() == ui::main::kEmptyChatPage &&
+           rows.Find(groupId) < 0 && !tools_.IsJoinedGroup(groupId);
+  }));
+  EXPECT_EQ(engine_.GroupMembers(group), std::vector<std::string>{"10002"});
+  std::vector<MessageStru> stored;
+  CChatDb::Instance().QueryCurrentConvMsg(groupId, u"10001", 10, stored);
+  EXPECT_TRUE(stored.empty());
+  host.Uninstall();
 }
 
 }  // namespace
