@@ -21,6 +21,8 @@ bool Click(QWidget* window, const char* name);
 // True when `act` succeeded and the dialog has gone.
 bool WithModal(const char* className, const std::function<void()>& open,
                const std::function<bool(QWidget*)>& act, bool closeIfOpen = true);
+// Saves a picture of `window`; false when it cannot be written.
+bool Save(QWidget* window, const std::string& path);
 
 // The add menu under CreateGroupBtn (saved to `menuPath`), then its
 // "添加好友" item: the add-friend dialog, in which `account` is searched

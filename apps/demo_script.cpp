@@ -24,6 +24,7 @@
 
 #include "apps/demo_dialogs.h"
 #include "apps/demo_drawings.h"
+#include "apps/demo_groups.h"
 #include "host/local/local_host.h"
 #include "imsdk/engine_control.h"
 #include "platform/strings.h"
@@ -256,8 +257,6 @@ bool SaveScreenshot(QWidget* window, const std::string& path) {
 
 }  // namespace
 
-// Clicks the row of the conversation list that is named `name`, as a user
-// would; false when there is no such row.
 bool OpenConversationNamed(QWidget* window, const QString& name) {
   auto* list = window->findChild<QAbstractItemView*>(QStringLiteral("ConversationList"));
   if (list == nullptr) return false;
@@ -388,6 +387,7 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
   if (kinds.empty()) return result;
   result.screenshots.push_back(kinds);
   if (!RunDrawingScript(host, world, dataRoot, result.screenshots)) return result;
+  if (!ShootGroupWindows(host, dataRoot, result.screenshots)) return result;
   std::printf("Chat.db holds %d messages.\n", StoredMessageCount(db));
   result.ok = true;
   return result;

@@ -188,6 +188,14 @@ std::optional<GroupDetail> LocalHost::FindGroup(const WString& imGroupId) const 
   return state_.Detail(*group);
 }
 
+std::optional<GroupDetail> LocalHost::FindGroupNamed(const WString& name) const {
+  Lock lock(state_.mutex);
+  for (const auto& [id, group] : state_.groups) {
+    if (group.name == name) return state_.Detail(group);
+  }
+  return std::nullopt;
+}
+
 std::optional<AccountInfo> LocalHost::FindAccount(int32_t accountId) const {
   Lock lock(state_.mutex);
   auto it = state_.accounts.find(accountId);

@@ -76,6 +76,8 @@ class LocalHost final : public HostSystem, public GroupMirror {
   std::vector<int32_t> DrawingInfoUpdates() const;
   std::vector<WString> OpenedCloudDrawings() const;
   std::optional<GroupDetail> FindGroup(const WString& imGroupId) const;
+  // The first group of that name (the demo finds the group a user made).
+  std::optional<GroupDetail> FindGroupNamed(const WString& name) const;
   std::optional<AccountInfo> FindAccount(int32_t accountId) const;
   int NewMessageNotices() const;
 

@@ -74,7 +74,7 @@ void PersonPicker::Toggle(int row) {
 void PersonPicker::ShowCheck(int row) {
   bool picked = chosen_.count(rows_.UserData(row)) != 0;
   rows_.SetText(row, kCheck, picked ? u"√" : u"");
-  rows_.Set(row, kCheck, "bkcolor", picked ? u"#FF5DC8CD" : u"#FFFFFFFF");
+  rows_.Set(row, kCheck, "bkcolor", picked ? u"#FF5DC8CD" : u"#FFE1E4E8");
 }
 
 std::vector<service::GroupPerson> PersonPicker::Chosen() const {

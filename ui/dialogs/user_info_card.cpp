@@ -40,7 +40,7 @@ void UserInfoCard::Fill() {
   FindControl("UserInfo_Id").SetText(u"账号: " + card_.person.id);
   Control remark = FindControl("UserInfo_Remark");
   remark.SetText(u"备注: " + card_.remark);
-  remark.SetVisible(card_.isFriend);
+  remark.SetVisible(card_.isFriend && !card_.remark.empty());
   FindControl("UserInfo_Signature")
       .SetText(u"签名: " +
                (card_.signature.empty() ? WString(u"这个人很懒，什么都没留下") : card_.signature));
