@@ -1,9 +1,11 @@
 #include "apps/demo_dialogs.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QTimer>
 #include <QWidget>
 
@@ -43,6 +45,26 @@ bool Click(QWidget* window, const char* name) {
   if (button == nullptr) return false;
   button->click();
   return true;
+}
+
+bool ClickListRow(QWidget* window, const char* listName, const QString& name, int fromLeft) {
+  auto* list = window ? window->findChild<QAbstractItemView*>(listName) : nullptr;
+  if (list == nullptr || list->model() == nullptr) return false;
+  for (int row = 0; row < list->model()->rowCount(); ++row) {
+    QModelIndex index = list->model()->index(row, 0);
+    if (index.data(Qt::AccessibleTextRole).toString() != name) continue;
+    list->scrollTo(index);
+    QRect rect = list->visualRect(index);
+    QPoint at(fromLeft < 0 ? rect.center().x() : rect.left() + fromLeft, rect.center().y());
+    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+      QMouseEvent click(type, at, list->viewport()->mapToGlobal(at), Qt::LeftButton,
+                        type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+                        Qt::NoModifier);
+      QApplication::sendEvent(list->viewport(), &click);
+    }
+    return true;
+  }
+  return false;
 }
 
 bool WithModal(const char* className, const std::function<void()>& open,

@@ -1,9 +1,7 @@
 #include "apps/demo_groups.h"
 
-#include <QAbstractItemView>
 #include <QApplication>
 #include <QLineEdit>
-#include <QMouseEvent>
 
 #include <cstdio>
 
@@ -21,28 +19,6 @@ const QString kGroupName = QStringLiteral("一层平面讨论组");
 void Tell(const std::string& text) {
   std::printf("%s\n", text.c_str());
   std::fflush(stdout);
-}
-
-// Clicks the row named `name` of the list `listName` in `window`, `fromLeft`
-// pixels from its left edge (the row's middle when negative).
-bool ClickListRow(QWidget* window, const char* listName, const QString& name, int fromLeft = -1) {
-  auto* list = window ? window->findChild<QAbstractItemView*>(listName) : nullptr;
-  if (list == nullptr || list->model() == nullptr) return false;
-  for (int row = 0; row < list->model()->rowCount(); ++row) {
-    QModelIndex index = list->model()->index(row, 0);
-    if (index.data(Qt::AccessibleTextRole).toString() != name) continue;
-    list->scrollTo(index);
-    QRect rect = list->visualRect(index);
-    QPoint at(fromLeft < 0 ? rect.center().x() : rect.left() + fromLeft, rect.center().y());
-    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-      QMouseEvent click(type, at, list->viewport()->mapToGlobal(at), Qt::LeftButton,
-                        type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
-                        Qt::NoModifier);
-      QApplication::sendEvent(list->viewport(), &click);
-    }
-    return true;
-  }
-  return false;
 }
 
 // Saves the dialog and adds it to the shots.

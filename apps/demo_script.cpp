@@ -258,22 +258,7 @@ bool SaveScreenshot(QWidget* window, const std::string& path) {
 }  // namespace
 
 bool OpenConversationNamed(QWidget* window, const QString& name) {
-  auto* list = window->findChild<QAbstractItemView*>(QStringLiteral("ConversationList"));
-  if (list == nullptr) return false;
-  for (int row = 0; row < list->model()->rowCount(); ++row) {
-    QModelIndex index = list->model()->index(row, 0);
-    if (index.data(Qt::AccessibleTextRole).toString() != name) continue;
-    list->scrollTo(index);
-    QPoint at = list->visualRect(index).center();
-    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-      QMouseEvent click(type, at, list->viewport()->mapToGlobal(at), Qt::LeftButton,
-                        type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
-                        Qt::NoModifier);
-      QApplication::sendEvent(list->viewport(), &click);
-    }
-    return true;
-  }
-  return false;
+  return ClickListRow(window, "ConversationList", name);
 }
 
 QWidget* FindChatWindow() {

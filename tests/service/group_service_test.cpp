@@ -5,10 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/local/engine_group_link.h"
-#include "host/local/local_host.h"
 #include "platform/data_folders.h"
-#include "tests/service/service_fixture.h"
+#include "tests/service/group_world.h"
 
 namespace service_test {
 namespace {
@@ -76,23 +74,13 @@ CloudGroupMember Member(int32_t id) {
   return member;
 }
 
-class GroupServiceTest : public ServiceTest {
+class GroupServiceTest : public GroupWorldTest {
  protected:
   void SetUp() override {
-    ServiceTest::SetUp();
-    host_.Install();
-    for (int32_t id : {10001, 10002, 10003}) {
-      host::local::LocalAccount account;
-      account.id = id;
-      account.displayName = u"host" + platform::Utf8ToUtf16(std::to_string(id));
-      host_.AddAccount(account);
-    }
-    host_.SignIn(10001);
-  }
-  void TearDown() override {
+    GroupWorldTest::SetUp();
+    // One link at a time: the engine's changes go through the noting mirror.
     link_.reset();
-    host_.Uninstall();
-    ServiceTest::TearDown();
+    link_ = std::make_unique<host::local::EngineGroupLink>(mirror_);
   }
   // The last engine change came after the host call `hostCall`.
   bool LastChangeFollowed(const std::string& hostCall) const {
@@ -106,10 +94,7 @@ class GroupServiceTest : public ServiceTest {
     return group ? group->cloudGroupId : -1;
   }
 
-  host::local::LocalHost host_{testing::TempDir() + "service_group_space"};
   OrderNotingMirror mirror_{host_};
-  std::unique_ptr<host::local::EngineGroupLink> link_ =
-      std::make_unique<host::local::EngineGroupLink>(mirror_);
 };
 
 TEST_F(GroupServiceTest, GroupActionsAskTheHostFirstAndFollowOnlyOnSuccess) {
