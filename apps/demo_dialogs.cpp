@@ -18,11 +18,11 @@ namespace {
 
 constexpr int kWaitMs = 5000;
 
+}  // namespace
+
 bool Save(QWidget* window, const std::string& path) {
   return window != nullptr && window->grab().save(QString::fromStdString(path));
 }
-
-}  // namespace
 
 QWidget* ShownWindow(const char* className) {
   for (QWidget* widget : QApplication::topLevelWidgets()) {
