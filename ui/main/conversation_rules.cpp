@@ -21,17 +21,43 @@ ConversationTimes::ConversationTimes(std::time_t now) : now_(now) {
   localtime_r(&now_, &today_);
 }
 
-WString ConversationTimes::Text(uint64_t seconds) const {
-  std::time_t when = seconds == 0 ? now_ : static_cast<std::time_t>(seconds);
-  std::tm whenTm{};
-  localtime_r(&when, &whenTm);
+const ConversationTimes::Day& ConversationTimes::DayOf(std::time_t when) const {
+  if (when >= day_.start && when < day_.end) return day_;
+  std::tm midnight{};
+  localtime_r(&when, &midnight);
   // The dates are compared as numbers: their texts hold only digits and
   // dashes, so this is the case-blind text comparison.
-  if (whenTm.tm_year == today_.tm_year && whenTm.tm_mon == today_.tm_mon &&
-      whenTm.tm_mday == today_.tm_mday) {
-    return Format("%02d:%02d", whenTm.tm_hour, whenTm.tm_min);
+  bool today = midnight.tm_year == today_.tm_year && midnight.tm_mon == today_.tm_mon &&
+               midnight.tm_mday == today_.tm_mday;
+  WString date = DateText(midnight);
+  midnight.tm_hour = midnight.tm_min = midnight.tm_sec = 0;
+  midnight.tm_isdst = -1;  // the day may start in another offset than `when`
+  std::tm next = midnight;
+  ++next.tm_mday;
+  std::time_t start = mktime(&midnight);
+  std::time_t end = mktime(&next);
+  if (start == -1 || end == -1 || when < start || when >= end) {
+    // A calendar the library cannot convert back: this time alone.
+    start = when;
+    end = when + 1;
   }
-  return DateText(whenTm);
+  day_ = Day{start, end, today, std::move(date)};
+  return day_;
+}
+
+WString ConversationTimes::Text(uint64_t seconds) const {
+  std::time_t when = seconds == 0 ? now_ : static_cast<std::time_t>(seconds);
+  const Day& day = DayOf(when);
+  if (!day.today) return day.date;
+  std::tm whenTm{};
+  if (day.end - day.start == 24 * 3600) {
+    std::time_t since = when - day.start;  // no clock change today
+    whenTm.tm_hour = static_cast<int>(since / 3600);
+    whenTm.tm_min = static_cast<int>(since % 3600 / 60);
+  } else {
+    localtime_r(&when, &whenTm);
+  }
+  return Format("%02d:%02d", whenTm.tm_hour, whenTm.tm_min);
 }
 
 WString ConversationTimeText(uint64_t seconds, std::time_t now) {
