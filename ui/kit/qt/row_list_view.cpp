@@ -1,6 +1,7 @@
 #include "ui/kit/qt/row_list_view.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include <QAbstractButton>
 #include <QLayout>
@@ -126,13 +127,23 @@ const RowModel::Row* RowModel::RowAt(int index) const {
 }
 
 int RowModel::SlotOf(std::string_view control, std::string_view attribute) {
-  for (size_t i = 0; i < slots_.size(); ++i) {
-    if (slots_[i].control == control && slots_[i].attribute == attribute) {
-      return static_cast<int>(i);
-    }
+  // Panes fill row after row naming slots with the same literals: the slot
+  // last found for a pair of text addresses is tried first (its texts are
+  // still compared, so a reused address cannot pick a wrong slot).
+  auto address = [](std::string_view s) { return reinterpret_cast<uintptr_t>(s.data()); };
+  int& hint = slotHints_[(address(control) ^ (address(attribute) >> 3)) % slotHints_.size()];
+  auto matches = [&](int i) {
+    const Slot& slot = slots_[static_cast<size_t>(i)];
+    return slot.control == control && slot.attribute == attribute;
+  };
+  if (hint >= 0 && matches(hint)) return hint;
+  int found = 0;
+  while (found < static_cast<int>(slots_.size()) && !matches(found)) ++found;
+  if (found == static_cast<int>(slots_.size())) {
+    slots_.push_back(Slot{std::string(control), std::string(attribute)});
   }
-  slots_.push_back(Slot{std::string(control), std::string(attribute)});
-  return static_cast<int>(slots_.size() - 1);
+  hint = found;
+  return found;
 }
 
 void RowModel::SetValue(int index, int slot, const WString& value) {

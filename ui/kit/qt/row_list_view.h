@@ -14,6 +14,7 @@
 #include <QListView>
 #include <QString>
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -61,10 +62,16 @@ class RowModel : public QAbstractListModel {
  private:
   void Reindex(int from);
   void Changed(int index);
+  static std::array<int, 61> MakeNoHints() {
+    std::array<int, 61> hints;
+    hints.fill(-1);
+    return hints;
+  }
 
   std::vector<Row> rows_;
   std::unordered_map<WString, int> index_;  // user data -> first row with it
   std::vector<Slot> slots_;
+  std::array<int, 61> slotHints_ = MakeNoHints();
   int nameSlot_ = -1;
   int batch_ = 0;
 };
