@@ -50,12 +50,13 @@ fuzz-campaign: fuzz
 	scripts/fuzz-run $(FUZZ_SECONDS)
 
 # The demo host: builds the module and runs it beside a placeholder drawing.
+# `make demo SERVER=xmpp` runs it against a throwaway Prosody instead.
 # Without a display (or with DEMO_ARGS=--headless) it runs a short script
 # offscreen, writes a screenshot into the data folder and exits.
 demo: deps
 	$(call configure,build,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
 	cmake --build build -j$(JOBS) --target im_demo
-	build/apps/im_demo $(DEMO_ARGS)
+	build/apps/im_demo $(if $(SERVER),--server $(SERVER)) $(DEMO_ARGS)
 
 format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i

@@ -6,6 +6,9 @@
 // With a display it stays open until the drawing window is closed. Without
 // one (no DISPLAY, or --headless) it runs a short script offscreen, writes a
 // screenshot of the chat window into the data folder and exits.
+//
+// With --server xmpp the SDK talks to a throwaway Prosody instead of the
+// embedded engine, and 王工 is an independent XMPP client.
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QFont>
@@ -24,6 +27,7 @@
 #include "apps/demo_drawings.h"
 #include "apps/demo_script.h"
 #include "apps/demo_world.h"
+#include "apps/demo_xmpp.h"
 #include "apps/host_frame.h"
 #include "host/local/engine_group_link.h"
 #include "host/local/local_host.h"
@@ -35,6 +39,13 @@
 namespace {
 
 constexpr int kHeadlessLimitSeconds = 55;
+
+bool WantsXmppServer(int argc, char** argv) {
+  for (int i = 1; i + 1 < argc; ++i) {
+    if (std::strcmp(argv[i], "--server") == 0) return std::strcmp(argv[i + 1], "xmpp") == 0;
+  }
+  return false;
+}
 
 bool WantsHeadless(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
@@ -109,10 +120,19 @@ int main(int argc, char** argv) {
   host.Install();
   // The host's cloud groups follow the engine's groups from here on.
   host::local::EngineGroupLink groupLink(host);
-  demo::World world = demo::SeedWorld(host);
-  if (!host.FindGroup(platform::Utf8ToUtf16(world.groupId))) {
-    std::fprintf(stderr, "demo: the host did not learn of the group %s\n", world.groupId.c_str());
-    return 1;
+  const bool onXmpp = WantsXmppServer(argc, argv);
+  const std::string sdkConfigFolder = dataRoot + "/cfg";
+  demo::XmppWorld xmpp;
+  demo::World world;
+  if (onXmpp) {
+    if (!xmpp.Start(sdkConfigFolder)) return 1;
+  } else {
+    demo::RemoveServerConfig(sdkConfigFolder);
+    world = demo::SeedWorld(host);
+    if (!host.FindGroup(platform::Utf8ToUtf16(world.groupId))) {
+      std::fprintf(stderr, "demo: the host did not learn of the group %s\n", world.groupId.c_str());
+      return 1;
+    }
   }
 
   demo::HostFrame frame(host);
@@ -128,12 +148,20 @@ int main(int argc, char** argv) {
   std::printf("Loaded the chat module and resolved its eight exports.\n");
   int created = module.createWindow(nullptr, frame.NativeHandle());
   std::printf("g_CreateWindow: %d\n", created);
-  if (!module.login(u"10001", u"demo-signature") || !WaitForSignIn()) {
+  if (onXmpp) {
+    // The server's answer comes later; the script waits for the user's data.
+    if (!module.login(u"10001", xmpp.UserSignature())) {
+      std::fprintf(stderr, "demo: sign-in refused\n");
+      return 1;
+    }
+    std::printf("Signing in as %s on the XMPP server.\n", demo::kUser);
+  } else if (!module.login(u"10001", u"demo-signature") || !WaitForSignIn()) {
     std::fprintf(stderr, "demo: sign-in failed\n");
     return 1;
+  } else {
+    std::printf("Signed in as 张明 (%s); friends 王工 (answers) and 李工, group 图纸评审组.\n",
+                demo::kUser);
   }
-  std::printf("Signed in as 张明 (%s); friends 王工 (answers) and 李工, group 图纸评审组.\n",
-              demo::kUser);
   QRect beside = frame.frameGeometry();
   ImRect chatRect{beside.right() + 10, beside.top(), beside.right() + 10 + 960, beside.top() + 680};
   std::printf("DisplayIm: %d\n", module.display(0, 0, &chatRect));
@@ -152,7 +180,8 @@ int main(int argc, char** argv) {
 
   int exitCode = 0;
   if (headless) {
-    demo::ScriptResult result = demo::RunHeadlessScript(module, host, world, dataRoot);
+    demo::ScriptResult result = onXmpp ? demo::RunXmppScript(xmpp, dataRoot)
+                                       : demo::RunHeadlessScript(module, host, world, dataRoot);
     for (const std::string& screenshot : result.screenshots) {
       std::printf("Screenshot: %s\n", screenshot.c_str());
     }
@@ -160,7 +189,14 @@ int main(int argc, char** argv) {
     std::printf("Chat.db:   %s/%s/db/Chat.db\n", dataRoot.c_str(), demo::kUser);
     exitCode = result.ok ? 0 : 1;
   } else {
-    SendGreetingsLater(world);
+    QTimer answering;
+    if (onXmpp) {
+      QTimer::singleShot(1500, [&xmpp] { xmpp.Greet("你好，一层平面图我已经上传了。"); });
+      QObject::connect(&answering, &QTimer::timeout, [&xmpp] { xmpp.AnswerNewMessages(); });
+      answering.start(200);
+    } else {
+      SendGreetingsLater(world);
+    }
     std::printf("Data tree: %s (close the drawing window to quit)\n", dataRoot.c_str());
     app.exec();
   }
