@@ -155,6 +155,11 @@ uint64_t LocalStore::MessageTime(uint64_t unique_id) {
   return s.Bind(static_cast<int64_t>(unique_id)).Step() ? static_cast<uint64_t>(s.Int(0)) : 0;
 }
 
+uint64_t LocalStore::NewestMessageTime() {
+  Statement s(db_, "SELECT IFNULL(max(server_time), 0) FROM messages");
+  return s.Step() ? static_cast<uint64_t>(s.Int(0)) : 0;
+}
+
 namespace {
 constexpr const char* kConversationColumns =
     "SELECT c.conv_type, c.conv_id, c.unread, c.active_time, IFNULL(m.json, '') "

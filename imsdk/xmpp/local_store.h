@@ -56,6 +56,8 @@ class LocalStore {
   std::string ArchiveId(uint64_t unique_id);
   // The server time of a known message (0 when unknown).
   uint64_t MessageTime(uint64_t unique_id);
+  // The newest server time of any message kept (0 when none).
+  uint64_t NewestMessageTime();
 
   std::vector<StoredConversation> Conversations();
   std::optional<StoredConversation> Conversation(int type, const std::string& id);

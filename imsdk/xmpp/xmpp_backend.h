@@ -115,6 +115,9 @@ class XmppBackend final : public Backend, public LinkListener {
   // Fetches from the archive what came after the last message seen (a
   // return without resumption may have lost what was in flight).
   void CatchUp();
+  // Catches up after the archive id `after`, or (when empty) from the
+  // server time `since` on (0: the whole archive).
+  void CatchUpFrom(const std::string& after, uint64_t since);
   static constexpr const char* kLastArchiveIdKey = "last_archive_id";
   // True when `stanza` is an archive result (used or dropped).
   bool OnArchiveResult(xmpp_stanza_t* stanza);

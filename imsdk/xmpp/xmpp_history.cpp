@@ -1,5 +1,6 @@
 // History pages from the server's archive (MAM with result set paging).
 #include <algorithm>
+#include <ctime>
 #include <limits>
 
 #include "imsdk/im_sdk.h"
@@ -13,6 +14,18 @@ namespace {
 constexpr int kPageSize = 50;
 // A page walk that finds nothing stops somewhere.
 constexpr int kMostPages = 40;
+// Catching up by time starts this much before the newest message kept: the
+// clocks that stamped them may differ a little (duplicates are dropped).
+constexpr uint64_t kCatchUpMarginSeconds = 300;
+
+std::string UtcStamp(uint64_t seconds) {
+  std::time_t t = static_cast<std::time_t>(seconds);
+  std::tm tm{};
+  gmtime_r(&t, &tm);
+  char text[32];
+  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &tm);
+  return text;
+}
 
 }  // namespace
 
@@ -34,19 +47,36 @@ struct XmppBackend::HistoryQuery {
   // Catching up after a return: every conversation (or one room), from the
   // last archive id seen, each message handed to the new-message callback.
   bool catch_up = false;
-  std::string start;  // a room's catch-up without a known id: since this time
+  std::string start;  // a catch-up without a known id: since this time
+  std::string error;  // the server's error condition, when it refused
 };
 
 void XmppBackend::CatchUp() {
   const std::string last = store_.Setting(kLastArchiveIdKey);
   if (last.empty()) return;  // a first sign-in has no past to catch up on
+  CatchUpFrom(last, 0);
+}
+
+void XmppBackend::CatchUpFrom(const std::string& after, uint64_t since) {
   auto query = std::make_shared<HistoryQuery>();
   query->catch_up = true;
   query->forward = true;
-  query->cursor = last;
+  query->cursor = after;
+  if (after.empty() && since != 0) query->start = UtcStamp(since);
   query->count = std::numeric_limits<int>::max();
-  query->done = [this](int code, const std::string& desc, const std::string&) {
-    if (code != TIM_SUCC) Trace("catching up failed: %s", desc.c_str());
+  HistoryQuery* self = query.get();  // alive while its own answer runs
+  query->done = [this, self, after](int code, const std::string& desc, const std::string&) {
+    if (code == TIM_SUCC) return;
+    if (!after.empty() && self->error == "item-not-found") {
+      // The server no longer knows the last message seen (its archive was
+      // reset, or expired it while the user was away). Having asked the
+      // archive, the user gets no offline copies either: catch up by time.
+      const uint64_t newest = store_.NewestMessageTime();
+      Trace("catching up: the archive forgot %s, reading it from %llu on", after.c_str(),
+            static_cast<unsigned long long>(newest));
+      return CatchUpFrom("", newest > kCatchUpMarginSeconds ? newest - kCatchUpMarginSeconds : 0);
+    }
+    Trace("catching up failed: %s", desc.c_str());
   };
   QueryArchivePage(query);
 }
@@ -145,8 +175,8 @@ void XmppBackend::QueryArchivePage(std::shared_ptr<HistoryQuery> query) {
   link_->SendIq(std::move(iq), [this, query](xmpp_stanza_t* reply) {
     history_.erase(query->query_id);
     if (reply == nullptr || AttrOf(reply, "type") == "error") {
-      Trace("history with %s failed: %s", query->peer.c_str(),
-            reply == nullptr ? "no answer" : ErrorCondition(reply).c_str());
+      query->error = reply == nullptr ? "no answer" : ErrorCondition(reply);
+      Trace("history with %s failed: %s", query->peer.c_str(), query->error.c_str());
       return query->done(TIM_ERR_NETWORK, "the server's archive did not answer", "");
     }
     xmpp_stanza_t* fin = ChildOf(reply, "fin", ns::kMam);

@@ -1,4 +1,6 @@
 // Sign-in, sign-out, configuration and the connection's faults.
+#include <sqlite3.h>
+
 #include <filesystem>
 #include <fstream>
 
@@ -101,6 +103,40 @@ TEST_F(XmppTest, ServerLossAndReturnAreNetworkEventsAndNothingIsLost) {
   EXPECT_FALSE(
       otto->WaitFor([](const Json::Value& e) { return e["body"].asString() == "back again"; })
           .isNull());
+}
+
+// The archive may forget the last message the SDK saw (reset, or expired
+// while the user was away). Having asked the archive, the session gets no
+// offline copies from the server: what was missed must still arrive, once.
+TEST_F(XmppTest, MissedMessagesArriveWhenTheArchiveForgotTheLastOneSeen) {
+  ASSERT_EQ(SignIn("gina").code, TIM_SUCC);
+  auto hank = StartPeer("hank");
+  hank->Send("gina", "seen");
+  ASSERT_EQ(rec.WaitFor("new_msg").size(), 1u);
+  ASSERT_EQ(TIMLogout(OnResult, Tag("out")), TIM_SUCC);
+  ASSERT_EQ(rec.Result("out").code, TIM_SUCC);
+
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open((config_folder_ + "/imsdk-gina@localhost.sqlite").c_str(), &db),
+            SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(db, "UPDATE settings SET value='forgotten' WHERE key='last_archive_id'",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  EXPECT_EQ(sqlite3_changes(db), 1);
+  sqlite3_close(db);
+  hank->Send("gina", "missed");
+  Json::Value quit;
+  quit["cmd"] = "quit";
+  hank->Command(quit);  // the message is at the server before hank leaves
+  hank->WaitForEvent("disconnected");
+
+  rec.Clear();
+  ASSERT_EQ(SignIn("gina").code, TIM_SUCC);
+  auto got = rec.WaitFor("new_msg");
+  ASSERT_EQ(got.size(), 1u);
+  auto messages = Parse(got[0].json);
+  ASSERT_EQ(messages.size(), 1u);  // "seen" is not delivered twice
+  EXPECT_EQ(messages[0]["message_elem_array"][0]["text_elem_content"].asString(), "missed");
 }
 
 }  // namespace
