@@ -1,5 +1,7 @@
 #include "apps/demo_dialogs.h"
 
+#include "apps/demo_input.h"
+
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
@@ -32,12 +34,7 @@ QWidget* ShownWindow(const char* className) {
 }
 
 bool Pump(const std::function<bool()>& done) {
-  QDeadlineTimer deadline(kWaitMs);
-  while (!done()) {
-    if (deadline.hasExpired()) return false;
-    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-  }
-  return true;
+  return PumpUntil(done, kWaitMs);
 }
 
 bool Click(QWidget* window, const char* name) {
@@ -45,26 +42,6 @@ bool Click(QWidget* window, const char* name) {
   if (button == nullptr) return false;
   button->click();
   return true;
-}
-
-bool ClickListRow(QWidget* window, const char* listName, const QString& name, int fromLeft) {
-  auto* list = window ? window->findChild<QAbstractItemView*>(listName) : nullptr;
-  if (list == nullptr || list->model() == nullptr) return false;
-  for (int row = 0; row < list->model()->rowCount(); ++row) {
-    QModelIndex index = list->model()->index(row, 0);
-    if (index.data(Qt::AccessibleTextRole).toString() != name) continue;
-    list->scrollTo(index);
-    QRect rect = list->visualRect(index);
-    QPoint at(fromLeft < 0 ? rect.center().x() : rect.left() + fromLeft, rect.center().y());
-    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-      QMouseEvent click(type, at, list->viewport()->mapToGlobal(at), Qt::LeftButton,
-                        type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
-                        Qt::NoModifier);
-      QApplication::sendEvent(list->viewport(), &click);
-    }
-    return true;
-  }
-  return false;
 }
 
 bool WithModal(const char* className, const std::function<void()>& open,

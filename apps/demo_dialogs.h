@@ -16,10 +16,6 @@ QWidget* ShownWindow(const char* className);
 bool Pump(const std::function<bool()>& done);
 // Clicks the button `name` of `window`; false when there is none.
 bool Click(QWidget* window, const char* name);
-// Clicks the row whose accessible name is `name` in the list `listName` of
-// `window`, `fromLeft` pixels from the row's left edge (its middle when
-// negative); false when there is no such row.
-bool ClickListRow(QWidget* window, const char* listName, const QString& name, int fromLeft = -1);
 // Runs `act` on the modal dialog `className` once it shows; its modal loop
 // starts from `open`. The dialog is closed if `act` leaves it open, unless
 // `closeIfOpen` is false (a dialog that closes itself with its own code).

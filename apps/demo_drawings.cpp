@@ -14,6 +14,7 @@
 #include <json/json.h>
 
 #include "apps/demo_dialogs.h"
+#include "apps/demo_input.h"
 #include "apps/demo_script.h"
 #include "host/local/local_host.h"
 #include "imsdk/engine_control.h"

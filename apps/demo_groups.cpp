@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "apps/demo_dialogs.h"
+#include "apps/demo_input.h"
 #include "apps/demo_script.h"
 #include "apps/demo_world.h"
 #include "imsdk/engine_control.h"

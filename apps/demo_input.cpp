@@ -1,5 +1,7 @@
 #include "apps/demo_input.h"
 
+#include "apps/demo_dialogs.h"
+
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -51,17 +53,28 @@ void PressKey(QWidget* widget, int key) {
   QApplication::sendEvent(widget, &press);
 }
 
-bool OpenConversationNamed(QWidget* window, const QString& name) {
-  QAbstractItemView* list = ConversationList(window);
-  if (list == nullptr) return false;
+bool ClickListRow(QWidget* window, const char* listName, const QString& name, int fromLeft) {
+  auto* list = window ? window->findChild<QAbstractItemView*>(listName) : nullptr;
+  if (list == nullptr || list->model() == nullptr) return false;
   for (int row = 0; row < list->model()->rowCount(); ++row) {
     QModelIndex index = list->model()->index(row, 0);
     if (index.data(Qt::AccessibleTextRole).toString() != name) continue;
     list->scrollTo(index);
-    Click(list->viewport(), QRectF(list->visualRect(index)).center());
+    QRect rect = list->visualRect(index);
+    QPoint at(fromLeft < 0 ? rect.center().x() : rect.left() + fromLeft, rect.center().y());
+    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+      QMouseEvent click(type, at, list->viewport()->mapToGlobal(at), Qt::LeftButton,
+                        type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+                        Qt::NoModifier);
+      QApplication::sendEvent(list->viewport(), &click);
+    }
     return true;
   }
   return false;
+}
+
+bool OpenConversationNamed(QWidget* window, const QString& name) {
+  return ClickListRow(window, "ConversationList", name);
 }
 
 QString ConversationNameAt(QWidget* window, int row) {
@@ -72,7 +85,7 @@ QString ConversationNameAt(QWidget* window, int row) {
 
 bool SaveShot(QWidget* window, const std::string& path, std::vector<std::string>& shots) {
   QCoreApplication::processEvents();
-  if (window == nullptr || !window->grab().save(QString::fromStdString(path))) {
+  if (!Save(window, path)) {
     std::printf("Could not write the screenshot %s.\n", path.c_str());
     return false;
   }

@@ -18,6 +18,10 @@ bool PumpUntil(const std::function<bool()>& done, int milliseconds);
 void Click(QWidget* widget, QPointF at);
 void Type(QWidget* widget, const QString& text);
 void PressKey(QWidget* widget, int key);
+// Clicks the row whose accessible name is `name` in the list `listName` of
+// `window`, `fromLeft` pixels from the row's left edge (its middle when
+// negative); false when there is no such row.
+bool ClickListRow(QWidget* window, const char* listName, const QString& name, int fromLeft = -1);
 // Clicks the conversation list's row named `name` (as screen readers hear
 // it); false when there is no such row.
 bool OpenConversationNamed(QWidget* window, const QString& name);

@@ -13,6 +13,7 @@
 
 #include <json/json.h>
 
+#include "apps/demo_input.h"
 #include "apps/demo_script.h"
 #include "apps/demo_world.h"
 #include "imsdk/engine_control.h"

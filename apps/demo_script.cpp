@@ -25,20 +25,12 @@
 #include "apps/demo_dialogs.h"
 #include "apps/demo_drawings.h"
 #include "apps/demo_groups.h"
+#include "apps/demo_input.h"
 #include "host/local/local_host.h"
 #include "imsdk/engine_control.h"
 #include "platform/strings.h"
 
 namespace demo {
-
-bool PumpUntil(const std::function<bool()>& done, int milliseconds) {
-  QDeadlineTimer deadline(milliseconds);
-  while (!done()) {
-    if (deadline.hasExpired()) return false;
-    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-  }
-  return true;
-}
 
 namespace {
 
@@ -50,28 +42,6 @@ void Say(const char* format, const std::string& a = {}, const std::string& b = {
 
 std::string DbPath(const std::string& dataRoot) {
   return dataRoot + "/" + kUser + "/db/Chat.db";
-}
-
-void Click(QWidget* widget, QPointF at) {
-  QPointF global = widget->mapToGlobal(at);
-  QMouseEvent press(QEvent::MouseButtonPress, at, global, Qt::LeftButton, Qt::LeftButton,
-                    Qt::NoModifier);
-  QMouseEvent release(QEvent::MouseButtonRelease, at, global, Qt::LeftButton, Qt::NoButton,
-                      Qt::NoModifier);
-  QApplication::sendEvent(widget, &press);
-  QApplication::sendEvent(widget, &release);
-}
-
-void Type(QWidget* widget, const QString& text) {
-  for (QChar c : text) {
-    QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
-    QApplication::sendEvent(widget, &press);
-  }
-}
-
-void PressKey(QWidget* widget, int key) {
-  QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
-  QApplication::sendEvent(widget, &press);
 }
 
 // Opens the conversation with `name` from the conversation list, as the user
@@ -202,16 +172,6 @@ bool ClickRow(QListView* list, const char* name, int x) {
   return true;
 }
 
-bool SaveShot(QWidget* window, const std::string& path, std::vector<std::string>& shots) {
-  QCoreApplication::processEvents();
-  if (!window->grab().save(QString::fromStdString(path))) {
-    Say("Could not write the screenshot %s.", path);
-    return false;
-  }
-  shots.push_back(path);
-  return true;
-}
-
 // The friends page: the user accepts 赵工's request from the request list,
 // then opens 赵工's card from the friend list.
 bool VisitFriendsPage(QWidget* window, const std::string& dataRoot,
@@ -249,17 +209,7 @@ bool VisitFriendsPage(QWidget* window, const std::string& dataRoot,
   return SaveShot(window, dataRoot + "/friend-card.png", shots);
 }
 
-bool SaveScreenshot(QWidget* window, const std::string& path) {
-  if (window != nullptr && window->grab().save(QString::fromStdString(path))) return true;
-  Say("Could not write the screenshot %s.", path);
-  return false;
-}
-
 }  // namespace
-
-bool OpenConversationNamed(QWidget* window, const QString& name) {
-  return ClickListRow(window, "ConversationList", name);
-}
 
 QWidget* FindChatWindow() {
   for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -349,8 +299,7 @@ ScriptResult RunHeadlessScript(im_exports::ModuleLibrary&, host::local::LocalHos
   PumpUntil([] { return false; }, 300);  // the list redraws with 王工 on top
   Say("Opened the conversation with 王工 from the conversation list.");
   const std::string chatShot = dataRoot + "/chat-window.png";
-  if (!SaveScreenshot(window, chatShot)) return result;
-  result.screenshots.push_back(chatShot);
+  if (!SaveShot(window, chatShot, result.screenshots)) return result;
 
   // The user looks for 赵工 by e-mail address, then opens the settings.
   const std::string menuShot = dataRoot + "/add-menu.png";

@@ -2,14 +2,12 @@
 // The headless run: a short script that exercises the loaded module end to
 // end and reports what happened.
 
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "apps/demo_world.h"
 #include "module/module_library.h"
 
-class QString;
 class QWidget;
 
 namespace demo {
@@ -23,15 +21,8 @@ struct ScriptResult {
 ScriptResult RunHeadlessScript(im_exports::ModuleLibrary& module, host::local::LocalHost& host,
                                const World& world, const std::string& dataRoot);
 
-// Runs the event loop until `done` or the time is up; false on time-out.
-bool PumpUntil(const std::function<bool()>& done, int milliseconds);
-
 // The module's chat window among the application's top-level windows.
 QWidget* FindChatWindow();
-
-// Clicks the row of the conversation list that is named `name`, as a user
-// would; false when there is no such row.
-bool OpenConversationNamed(QWidget* window, const QString& name);
 
 // The user opens the chat with 王工, types `text`, adds the emoticon "微笑"
 // from the picker and presses Enter; true when Enter was pressed.
