@@ -7,6 +7,7 @@ namespace service {
 void FriendDirectory::Clear() {
   std::lock_guard lock(mutex_);
   friends_.clear();
+  friend_index_.clear();
   profiles_.clear();
   requests_.clear();
   pendency_seq_ = 0;
@@ -15,6 +16,14 @@ void FriendDirectory::Clear() {
 void FriendDirectory::ReplaceFriends(std::vector<FriendsList_Stru> friends) {
   std::lock_guard lock(mutex_);
   friends_ = std::move(friends);
+  IndexFriendsLocked();
+}
+
+void FriendDirectory::IndexFriendsLocked() {
+  friend_index_.clear();
+  for (size_t i = 0; i < friends_.size(); ++i) {
+    friend_index_.try_emplace(friends_[i].identifier, i);  // the first of a repeated id
+  }
 }
 
 std::vector<FriendsList_Stru> FriendDirectory::Friends() const {
@@ -24,10 +33,9 @@ std::vector<FriendsList_Stru> FriendDirectory::Friends() const {
 
 std::optional<FriendsList_Stru> FriendDirectory::FindFriend(const WString& id) const {
   std::lock_guard lock(mutex_);
-  for (const FriendsList_Stru& f : friends_) {
-    if (f.identifier == id) return f;
-  }
-  return std::nullopt;
+  auto found = friend_index_.find(id);
+  if (found == friend_index_.end()) return std::nullopt;
+  return friends_[found->second];
 }
 
 void FriendDirectory::RemoveFriends(const std::vector<WString>& ids) {
@@ -35,6 +43,7 @@ void FriendDirectory::RemoveFriends(const std::vector<WString>& ids) {
   std::erase_if(friends_, [&](const FriendsList_Stru& f) {
     return std::find(ids.begin(), ids.end(), f.identifier) != ids.end();
   });
+  IndexFriendsLocked();
 }
 
 std::vector<WString> FriendDirectory::ReplaceRequests(PendencyPage page) {

@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/strings.h"
@@ -38,8 +39,13 @@ class FriendDirectory {
   std::optional<UserProfile> FindProfile(const WString& id) const;
 
  private:
+  void IndexFriendsLocked();
+
   mutable std::mutex mutex_;
   std::vector<FriendsList_Stru> friends_;
+  // Id -> position in `friends_`: a list of a thousand friends looks each
+  // one up (its picture, its name) without walking the list each time.
+  std::unordered_map<WString, size_t> friend_index_;
   std::map<WString, UserProfile> profiles_;
   std::vector<PendingFriendRequest> requests_;
   uint64_t pendency_seq_ = 0;
