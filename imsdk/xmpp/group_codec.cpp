@@ -90,6 +90,16 @@ Stanza AffiliationListIq(xmpp_ctx_t* ctx, const std::string& room_jid,
   return iq;
 }
 
+Stanza InvitationMessage(xmpp_ctx_t* ctx, const std::string& room_jid,
+                         const std::string& invitee_jid, const std::string& id) {
+  Stanza invite(ctx, "invite");
+  invite.Attr("to", invitee_jid);
+  Stanza message(ctx, "message");
+  message.Attr("to", room_jid).Attr("id", id);
+  message.Add(Stanza(ctx, "x").Ns(ns::kMucUser).Add(invite));
+  return message;
+}
+
 Stanza DiscoInfoIq(xmpp_ctx_t* ctx, const std::string& jid) {
   Stanza iq = Iq(ctx, "get", jid);
   iq.Add(Stanza(ctx, "query").Ns(ns::kDiscoInfo));

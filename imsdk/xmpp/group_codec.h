@@ -43,6 +43,9 @@ Stanza AffiliationIq(xmpp_ctx_t* ctx, const std::string& room_jid, const std::st
                      const std::string& affiliation);
 Stanza AffiliationListIq(xmpp_ctx_t* ctx, const std::string& room_jid,
                          const std::string& affiliation);
+// A mediated invitation of `invitee_jid`, sent through the room.
+Stanza InvitationMessage(xmpp_ctx_t* ctx, const std::string& room_jid,
+                         const std::string& invitee_jid, const std::string& id);
 Stanza DiscoInfoIq(xmpp_ctx_t* ctx, const std::string& jid);
 // The room's name from a disco#info result.
 std::string RoomNameOf(xmpp_stanza_t* disco_reply);

@@ -1,5 +1,6 @@
 #include "imsdk/xmpp/message_codec.h"
 
+#include <cctype>
 #include <cstdio>
 #include <ctime>
 
@@ -24,6 +25,51 @@ Json::Value TextElem(const std::string& text) {
   return elem;
 }
 
+// The last path segment of a URL, percent-decoded.
+std::string FileNameOf(const std::string& url) {
+  std::string path = url.substr(0, url.find_first_of("?#"));
+  std::string segment = path.substr(path.find_last_of('/') + 1);
+  std::string name;
+  for (size_t i = 0; i < segment.size(); ++i) {
+    if (segment[i] == '%' && i + 2 < segment.size() &&
+        std::isxdigit(static_cast<unsigned char>(segment[i + 1])) &&
+        std::isxdigit(static_cast<unsigned char>(segment[i + 2]))) {
+      name += static_cast<char>(std::stoi(segment.substr(i + 1, 2), nullptr, 16));
+      i += 2;
+    } else {
+      name += segment[i];
+    }
+  }
+  return name.empty() ? "file" : name;
+}
+
+// A picture when the name says so, else a file; the URL is its id.
+Json::Value FileElemFromUrl(const std::string& url) {
+  const std::string name = FileNameOf(url);
+  std::string ext = name.substr(name.find_last_of('.') + 1);
+  for (auto& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  Json::Value elem(Json::objectValue);
+  if (ext == "png" || ext == "jpg" || ext == "jpeg" || ext == "gif" || ext == "bmp" ||
+      ext == "webp") {
+    elem["elem_type"] = kTIMElem_Image;
+    for (const char* key : {"image_elem_orig_url", "image_elem_thumb_url", "image_elem_large_url",
+                            "image_elem_orig_id", "image_elem_thumb_id", "image_elem_large_id"}) {
+      elem[key] = url;
+    }
+    elem["image_elem_orig_path"] = "";
+    elem["image_elem_large_pic_width"] = 0;
+    elem["image_elem_large_pic_height"] = 0;
+    return elem;
+  }
+  elem["elem_type"] = kTIMElem_File;
+  elem["file_elem_file_path"] = "";
+  elem["file_elem_file_name"] = name;
+  elem["file_elem_file_size"] = 0;  // not told
+  elem["file_elem_file_id"] = url;
+  elem["file_elem_url"] = url;
+  return elem;
+}
+
 }  // namespace
 
 std::string ReadableBody(const Json::Value& elems) {
@@ -39,12 +85,17 @@ std::string ReadableBody(const Json::Value& elems) {
         body += desc.empty() ? "[custom message]" : desc;
         break;
       }
-      case kTIMElem_Image:
-        body += "[picture]";
+      case kTIMElem_Image: {
+        // Other clients show a link (or the picture itself).
+        const std::string url = elem.get("image_elem_orig_url", "").asString();
+        body += url.empty() ? "[picture]" : url;
         break;
-      case kTIMElem_File:
-        body += "[file] " + elem.get("file_elem_file_name", "").asString();
+      }
+      case kTIMElem_File: {
+        const std::string url = elem.get("file_elem_url", "").asString();
+        body += url.empty() ? "[file] " + elem.get("file_elem_file_name", "").asString() : url;
         break;
+      }
       default:
         body += "[message]";
     }
@@ -61,6 +112,16 @@ Stanza BuildChatMessage(xmpp_ctx_t* ctx, const std::string& to, const std::strin
   Stanza payload(ctx, "elems");
   payload.Ns(ns::kElems).Text(WriteJson(elems));
   message.Add(payload);
+  // The first file or picture as out-of-band data, which clients render.
+  for (const auto& elem : elems) {
+    const std::string url =
+        elem.get("image_elem_orig_url", elem.get("file_elem_url", "")).asString();
+    if (url.empty()) continue;
+    message.Add(Stanza(ctx, "x").Ns(ns::kOob).AddText("url", url));
+    break;
+  }
+  // Peers may tell when they have read it.
+  message.Add(Stanza(ctx, "markable").Ns(ns::kMarkers));
   // Archived even by servers that store only what they recognise.
   message.Add(Stanza(ctx, "store").Ns(ns::kHints));
   return message;
@@ -99,6 +160,14 @@ std::optional<WireMessage> ReadContent(xmpp_stanza_t* message, const std::string
     if (out.elems.empty()) *why = "an unreadable element array, read from its body instead";
   }
   if (out.elems.empty()) {
+    // A file shared by another client: its URL as out-of-band data.
+    const std::string url = ChildText(ChildOf(message, "x", ns::kOob), "url");
+    if (url.rfind("http://", 0) == 0 || url.rfind("https://", 0) == 0) {
+      const std::string body = ChildText(message, "body");
+      if (!body.empty() && body != url) out.elems.append(TextElem(body));
+      out.elems.append(FileElemFromUrl(url));
+      return out.from_bare.empty() ? std::nullopt : std::optional<WireMessage>(out);
+    }
     xmpp_stanza_t* body = ChildOf(message, "body");
     if (body == nullptr) {
       if (why->empty()) *why = "no content";
@@ -139,6 +208,19 @@ std::optional<WireMessage> ReadGroupMessage(xmpp_stanza_t* message, std::string*
   auto out = ReadContent(message, BareJid(from), why);
   if (out) out->nick = from.substr(slash + 1);
   return out;
+}
+
+std::string RetractedId(xmpp_stanza_t* message) {
+  if (xmpp_stanza_t* retract = ChildOf(message, "retract", ns::kRetract1)) {
+    return AttrOf(retract, "id");
+  }
+  xmpp_stanza_t* apply_to = ChildOf(message, "apply-to", ns::kFasten);
+  if (ChildOf(apply_to, "retract", ns::kRetract0) != nullptr) return AttrOf(apply_to, "id");
+  return "";
+}
+
+bool IsMarkerOrRetraction(xmpp_stanza_t* message) {
+  return ChildOf(message, "displayed", ns::kMarkers) != nullptr || !RetractedId(message).empty();
 }
 
 uint64_t Hash63(const std::string& text) {

@@ -42,6 +42,12 @@ std::optional<WireMessage> ReadChatMessage(xmpp_stanza_t* message, const std::st
 // archive ids are trusted.
 std::optional<WireMessage> ReadGroupMessage(xmpp_stanza_t* message, std::string* why);
 
+// The id of the message a retraction (XEP-0424, versions 0 and 1) names;
+// "" when `message` is no retraction.
+std::string RetractedId(xmpp_stanza_t* message);
+// True for a read marker or a retraction (no content of their own).
+bool IsMarkerOrRetraction(xmpp_stanza_t* message);
+
 // A message id for the C API: below 2^63 and the same whether the message
 // arrives live or from the archive (derived from the sender, its nick in a
 // room, and its origin-id, or else from the archive id).

@@ -21,6 +21,11 @@ inline constexpr const char* kVCard = "vcard-temp";
 inline constexpr const char* kPing = "urn:xmpp:ping";
 inline constexpr const char* kStanzaErrors = "urn:ietf:params:xml:ns:xmpp-stanzas";
 inline constexpr const char* kHints = "urn:xmpp:hints";
+inline constexpr const char* kOob = "jabber:x:oob";
+inline constexpr const char* kMarkers = "urn:xmpp:chat-markers:0";
+inline constexpr const char* kFasten = "urn:xmpp:fasten:0";
+inline constexpr const char* kRetract0 = "urn:xmpp:message-retract:0";
+inline constexpr const char* kRetract1 = "urn:xmpp:message-retract:1";
 // Our own element: the message's element array as JSON, untouched by servers.
 inline constexpr const char* kElems = "urn:x-imsdk:elems:0";
 }  // namespace ns

@@ -27,7 +27,8 @@ void XmppBackend::Start(EventSink* sink) {
 void XmppBackend::Stop() {
   if (!link_) return;
   link_->Call([this] { EndSession(); }, std::chrono::seconds(5));
-  link_.reset();  // joins the worker: no event follows
+  transfers_.Stop();  // their ends post to the link
+  link_.reset();      // joins the worker: no event follows
   sink_ = nullptr;
 }
 
@@ -215,6 +216,7 @@ void XmppBackend::EndSession() {
   incoming_ = Json::Value(Json::arrayValue);
   last_archive_id_.clear();
   bounced_.clear();
+  own_sends_.clear();
   roster_.clear();
   history_.clear();
   profile_versions_.clear();
@@ -264,12 +266,6 @@ void XmppBackend::OnStanza(xmpp_stanza_t* stanza) {
 
 void XmppBackend::OnIdle() {
   FlushIncoming();
-}
-
-int XmppBackend::Download(const Json::Value&, const std::string&, ResultFn done) {
-  return WhenSignedIn([done] {
-    done(TIM_ERR_FILE_NOT_FOUND, "files are not available on this server backend yet", "");
-  });
 }
 
 }  // namespace imsdk::xmpp

@@ -12,6 +12,7 @@
 
 #include "imsdk/backend.h"
 #include "imsdk/xmpp/group_codec.h"
+#include "imsdk/xmpp/http_transfer.h"
 #include "imsdk/xmpp/local_store.h"
 #include "imsdk/xmpp/message_codec.h"
 #include "imsdk/xmpp/xmpp_config.h"
@@ -101,6 +102,17 @@ class XmppBackend final : public Backend, public LinkListener {
   void AcceptGroupMessage(const std::string& group, const WireMessage& wire);
   void QueueIncoming(int conv_type, const std::string& conv_id, const std::string& sender,
                      const WireMessage& wire);
+  // Read markers and retractions (xmpp_markers.cpp). True when `stanza`
+  // was one (used or dropped); `group` is set for a room's message.
+  bool OnMarkerOrRetraction(xmpp_stanza_t* stanza, const std::string& group);
+  // Tells the peer we read up to its newest message (when `up_to`, 0 for
+  // all, is that one).
+  void SendDisplayed(const std::string& peer, uint64_t up_to);
+  static std::string LastOriginKey(const std::string& peer);
+  // Uploads the local files of the message's elements from `index` on,
+  // writing their URLs into the elements (xmpp_files.cpp).
+  void UploadFiles(std::shared_ptr<Json::Value> msg, Json::ArrayIndex index,
+                   std::function<void(int code, const std::string& desc)> then);
   // Sends a message and answers `done` once the server routed or refused it.
   void SendConfirmed(const std::string& to, int type, const Json::Value& msg, ResultFn done);
   Json::Value MessageValue(int conv_type, const std::string& conv_id, const std::string& sender,
@@ -172,6 +184,7 @@ class XmppBackend final : public Backend, public LinkListener {
   std::string config_error_;
   EventSink* sink_ = nullptr;
   std::unique_ptr<XmppLink> link_;
+  HttpTransfers transfers_;  // reports back through link_
   std::atomic<int> phase_{kSignedOut};
 
   // ---- Worker thread only. ----
@@ -179,11 +192,12 @@ class XmppBackend final : public Backend, public LinkListener {
   std::string self_jid_;  // bare
   ResultFn login_done_;
   LocalStore store_;
-  std::map<std::string, RosterItem> roster_;  // by user id
-  Json::Value incoming_{Json::arrayValue};    // received, not yet reported
-  bool batch_open_ = false;                   // a store transaction holds them
-  std::string last_archive_id_;               // newest archive id received
-  std::map<std::string, int> bounced_;        // send ids the server refused: code
+  std::map<std::string, RosterItem> roster_;      // by user id
+  Json::Value incoming_{Json::arrayValue};        // received, not yet reported
+  bool batch_open_ = false;                       // a store transaction holds them
+  std::string last_archive_id_;                   // newest archive id received
+  std::map<std::string, int> bounced_;            // send ids the server refused: code
+  std::map<std::string, std::string> own_sends_;  // group sends in flight: archive id
   std::map<std::string, std::shared_ptr<HistoryQuery>> history_;  // by query id
   std::map<std::string, Json::Value> profiles_;                   // profiles read, by user id
   std::map<std::string, std::string> profile_versions_;           // friends' announced versions

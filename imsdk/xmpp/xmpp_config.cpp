@@ -59,6 +59,8 @@ std::string ParseXmppConfig(const Json::Value& value, const std::string& file_fo
   }
   if (config.muc_domain.empty()) config.muc_domain = "conference." + config.domain;
   if (!IsPlainDomain(config.muc_domain)) return "\"muc_domain\" is not a domain name";
+  if (config.upload_domain.empty()) config.upload_domain = "upload." + config.domain;
+  if (!IsPlainDomain(config.upload_domain)) return "\"upload_domain\" is not a domain name";
   if (config.data_folder.empty()) return "no folder for the local database";
   *out = std::move(config);
   return "";

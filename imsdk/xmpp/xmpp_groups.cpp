@@ -270,12 +270,7 @@ int XmppBackend::CreateGroup(const Json::Value& param, ResultFn done) {
                         GroupTipElem(kTIMGroupTip_Invite, id, room->second, user_, {user_}, Now()));
         for (const auto& invitee : invitees) {
           if (invitee == user_ || !IsValidLocalPart(invitee)) continue;
-          Stanza invite(link_->ctx(), "invite");
-          invite.Attr("to", JidOf(invitee));
-          Stanza message(link_->ctx(), "message");
-          message.Attr("to", RoomJid(id)).Attr("id", link_->NewId());
-          message.Add(Stanza(link_->ctx(), "x").Ns(ns::kMucUser).Add(invite));
-          link_->Send(message);
+          link_->Send(InvitationMessage(link_->ctx(), RoomJid(id), JidOf(invitee), link_->NewId()));
         }
         Json::Value result(Json::objectValue);
         result["create_group_result_groupid"] = id;
@@ -300,12 +295,7 @@ int XmppBackend::InviteMembers(const Json::Value& param, ResultFn done) {
       if (room->second.affiliations.count(user) > 0 || !IsValidLocalPart(user)) continue;
       const std::string id = link_->NewId();
       (*ids)[user] = id;
-      Stanza invite(link_->ctx(), "invite");
-      invite.Attr("to", JidOf(user));
-      Stanza message(link_->ctx(), "message");
-      message.Attr("to", RoomJid(group)).Attr("id", id);
-      message.Add(Stanza(link_->ctx(), "x").Ns(ns::kMucUser).Add(invite));
-      link_->Send(message);
+      link_->Send(InvitationMessage(link_->ctx(), RoomJid(group), JidOf(user), id));
     }
     Stanza ping(link_->ctx(), "iq");
     ping.Attr("type", "get").Attr("to", config_.domain);

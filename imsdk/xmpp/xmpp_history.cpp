@@ -215,6 +215,14 @@ bool XmppBackend::OnArchiveResult(xmpp_stanza_t* stanza) {
   if (!from.empty() && from != (room ? RoomJid(query.peer) : self_jid_)) return true;
   xmpp_stanza_t* forwarded = ChildOf(result, "forwarded", ns::kForward);
   xmpp_stanza_t* inner = ChildOf(forwarded, "message");
+  if (IsMarkerOrRetraction(inner)) {
+    // Replayed while catching up, as if live; never history of their own.
+    const std::string sender = AttrOf(inner, "from");
+    const bool mine =
+        room ? sender == RoomJid(query.peer) + "/" + user_ : BareJid(sender) == self_jid_;
+    if (query.catch_up && !mine) OnMarkerOrRetraction(inner, room ? query.peer : "");
+    return true;
+  }
   std::string why;
   auto wire = room ? ReadGroupMessage(inner, &why) : ReadChatMessage(inner, self_jid_, &why);
   if (!wire) return true;  // markers, receipts, chat states, room notices

@@ -56,16 +56,10 @@ int XmppBackend::SendMessage(const std::string& id, int type, const Json::Value&
   if (int code = CheckOutgoingElems(elems)) return code;
   if (WriteJson(elems).size() * 2 > kLargestStanza) return TIM_ERR_INVALID_PARAM;
   return WhenSignedIn([this, id, type, msg, done] {
-    auto failed = [&](int code, const std::string& desc) {
+    auto failed = [this, id, type, msg, done](int code, const std::string& desc) {
       Trace("send to %s failed: %s", id.c_str(), desc.c_str());
       done(code, desc, WriteJson(FailedSendEcho(msg, id, type, user_)));
     };
-    for (const auto& elem : msg["message_elem_array"]) {
-      const int kind = elem["elem_type"].asInt();
-      if (kind == kTIMElem_Image || kind == kTIMElem_File) {
-        return failed(TIM_ERR_FILE, "files and pictures cannot be sent through this server yet");
-      }
-    }
     if (type == kTIMConv_Group) {
       auto room = rooms_.find(id);
       if (room == rooms_.end()) return failed(TIM_ERR_NOT_GROUP_MEMBER, "not a member");
@@ -74,11 +68,20 @@ int XmppBackend::SendMessage(const std::string& id, int type, const Json::Value&
       return failed(TIM_ERR_ACCOUNT_NOT_FOUND, "not an account id");
     }
     if (!link_->online()) return failed(TIM_ERR_NETWORK, "the network is down");
-    SendConfirmed(id, type, msg,
-                  [failed, done](int code, const std::string& desc, const std::string& json) {
-                    if (code != TIM_SUCC) return failed(code, desc);
-                    done(code, desc, json);
-                  });
+    // Files first: the message carries their URLs.
+    auto outgoing = std::make_shared<Json::Value>(msg);
+    UploadFiles(
+        outgoing, 0, [this, id, type, outgoing, done, failed](int code, const std::string& desc) {
+          if (code != TIM_SUCC) return failed(code, desc);
+          if (phase_.load() != kSignedIn || !link_->online()) {
+            return failed(TIM_ERR_NETWORK, "the network is down");
+          }
+          SendConfirmed(id, type, *outgoing,
+                        [failed, done](int code, const std::string& desc, const std::string& json) {
+                          if (code != TIM_SUCC) return failed(code, desc);
+                          done(code, desc, json);
+                        });
+        });
   });
 }
 
@@ -86,6 +89,7 @@ void XmppBackend::SendConfirmed(const std::string& id, int type, const Json::Val
                                 ResultFn done) {
   const bool group = type == kTIMConv_Group;
   const std::string origin = link_->NewId();
+  if (group) own_sends_[origin] = "";
   const Json::Value& elems = msg["message_elem_array"];
   link_->Send(BuildChatMessage(link_->ctx(), group ? RoomJid(id) : JidOf(id), origin, elems,
                                group ? "groupchat" : "chat"));
@@ -95,6 +99,11 @@ void XmppBackend::SendConfirmed(const std::string& id, int type, const Json::Val
   ping.Attr("type", "get").Attr("to", config_.domain);
   ping.Add(Stanza(link_->ctx(), "ping").Ns(ns::kPing));
   link_->SendIq(std::move(ping), [this, id, type, origin, msg, done](xmpp_stanza_t* reply) {
+    std::string archive_id;
+    if (auto own = own_sends_.find(origin); own != own_sends_.end()) {
+      archive_id = own->second;
+      own_sends_.erase(own);
+    }
     auto bounce = bounced_.find(origin);
     if (bounce != bounced_.end()) {
       const int code = bounce->second;
@@ -109,7 +118,7 @@ void XmppBackend::SendConfirmed(const std::string& id, int type, const Json::Val
     const uint64_t unique_id = MessageIdFor(wire);
     const Json::Value& elems = msg["message_elem_array"];
     Json::Value stored = MessageValue(type, id, user_, unique_id, Now(), true, true, elems);
-    store_.AddMessage(type, id, unique_id, "", Now(), true, WriteJson(stored));
+    store_.AddMessage(type, id, unique_id, archive_id, Now(), true, WriteJson(stored));
     done(TIM_SUCC, "", WriteJson(stored));
   });
 }
@@ -129,6 +138,7 @@ void XmppBackend::OnMessage(xmpp_stanza_t* stanza) {
   if (AttrOf(stanza, "type") == "groupchat") {
     const std::string group = GroupOf(from);
     if (group.empty() || rooms_.count(group) == 0) return;
+    if (OnMarkerOrRetraction(stanza, group)) return;
     std::string why;
     auto wire = ReadGroupMessage(stanza, &why);
     if (!wire) {
@@ -139,6 +149,7 @@ void XmppBackend::OnMessage(xmpp_stanza_t* stanza) {
     return AcceptGroupMessage(group, *wire);
   }
   if (from.empty() || BareJid(from) == self_jid_) return;  // carbons are not enabled
+  if (OnMarkerOrRetraction(stanza, "")) return;
   std::string why;
   auto wire = ReadChatMessage(stanza, self_jid_, &why);
   if (!why.empty() && wire) Trace("message from %s: %s", from.c_str(), why.c_str());
@@ -158,13 +169,16 @@ void XmppBackend::AcceptIncoming(const WireMessage& wire) {
   }
   if (!wire.archive_id.empty()) last_archive_id_ = wire.archive_id;
   QueueIncoming(kTIMConv_C2C, peer, peer, wire);
+  // What a read report will name (the newest message from the peer).
+  if (!wire.origin_id.empty()) store_.SetSetting(LastOriginKey(peer), wire.origin_id);
 }
 
 void XmppBackend::AcceptGroupMessage(const std::string& group, const WireMessage& wire) {
   if (!wire.archive_id.empty()) room_last_ids_[group] = wire.archive_id;
-  // Our own messages come back from the room; the send stored them already.
-  if (wire.nick == user_ && !wire.origin_id.empty()) {
-    if (!wire.archive_id.empty()) store_.SetArchiveId(MessageIdFor(wire), wire.archive_id);
+  // The room sends our own messages back: the send stores them, with the
+  // archive id learnt here. (Those of our other devices are new here.)
+  if (auto own = own_sends_.find(wire.origin_id); wire.nick == user_ && own != own_sends_.end()) {
+    own->second = wire.archive_id;
     return;
   }
   QueueIncoming(kTIMConv_Group, group, wire.nick, wire);
@@ -246,6 +260,7 @@ int XmppBackend::ReportRead(const std::string& id, int type, const Json::Value& 
   return AnswerNow([this, id, type, up_to, done] {
     if (!store_.Conversation(type, id)) return static_cast<int>(TIM_ERR_CONV_NOT_FOUND);
     store_.MarkRead(type, id, up_to);
+    if (type == kTIMConv_C2C) SendDisplayed(id, up_to);
     done(TIM_SUCC, "", "");
     return static_cast<int>(TIM_SUCC);
   });

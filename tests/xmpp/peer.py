@@ -9,17 +9,24 @@ line on stdout:
   {"cmd": "raw", "data": TEXT}                      anything, sent as it is
   {"cmd": "presence", "to": JID, "type": T, "status": TEXT?}
   {"cmd": "roster_remove", "jid": JID}
+  {"cmd": "upload_send", "to": JID, "path": FILE, "upload": JID, "type": T?}
+      uploads FILE (XEP-0363) and sends its URL as body and out-of-band data
+  {"cmd": "fetch", "url": URL, "path": FILE}        GETs URL into FILE
   {"cmd": "quit"}
 Events: ready, message (from, body, xml), presence (from, from_full, type, status, xml),
-roster (jid, subscription), sent (count), disconnected.
+roster (jid, subscription), sent (count), uploaded (url), fetched (path, status),
+disconnected.
 """
 import asyncio
 import json
 import os
 import sys
+import urllib.request
 
 import slixmpp
 from slixmpp.xmlstream import ET
+from slixmpp.xmlstream.handler import Callback
+from slixmpp.xmlstream.matcher import MatchXPath
 
 
 def emit(**event):
@@ -36,6 +43,9 @@ class Peer(slixmpp.ClientXMPP):
         self.roster.auto_subscribe = None
         self.add_event_handler("session_start", self.on_start)
         self.add_event_handler("message", self.on_message)
+        # Markers and other messages without a body raise no "message" event.
+        self.register_handler(Callback("bodyless", MatchXPath("{jabber:client}message"),
+                                       self.on_bodyless))
         self.add_event_handler("disconnected", lambda _: emit(event="disconnected"))
         for kind in ("presence_subscribe", "presence_subscribed", "presence_unsubscribe",
                      "presence_unsubscribed"):
@@ -54,6 +64,10 @@ class Peer(slixmpp.ClientXMPP):
     def on_message(self, msg):
         emit(event="message", type=msg["type"], **{"from": str(msg["from"].bare)},
              body=msg["body"], xml=str(msg))
+
+    def on_bodyless(self, msg):
+        if not msg["body"]:
+            self.on_message(msg)
 
     def on_presence(self, pres):
         emit(event="presence", type=pres["type"], status=pres["status"],
@@ -98,8 +112,57 @@ class Peer(slixmpp.ClientXMPP):
             self.send_presence(pto=cmd["to"], ptype=cmd["type"], pstatus=cmd.get("status"))
         elif kind == "roster_remove":
             self.del_roster_item(cmd["jid"])
+        elif kind == "upload_send":
+            asyncio.ensure_future(self.upload_send(cmd))
+        elif kind == "fetch":
+            asyncio.ensure_future(self.fetch(cmd))
         elif kind == "quit":
             self.disconnect()
+
+
+    async def upload_send(self, cmd):
+        try:
+            path = cmd["path"]
+            size = os.path.getsize(path)
+            ns = "urn:xmpp:http:upload:0"
+            iq = self.make_iq_get(ito=cmd["upload"])
+            iq.append(ET.Element("{%s}request" % ns, filename=os.path.basename(path),
+                                 size=str(size), **{"content-type": "application/octet-stream"}))
+            answer = await iq.send()
+            slot = answer.xml.find("{%s}slot" % ns)
+            put = slot.find("{%s}put" % ns).get("url")
+            get = slot.find("{%s}get" % ns).get("url")
+            headers = {h.get("name"): h.text for h in slot.find("{%s}put" % ns)}
+            with open(path, "rb") as f:
+                data = f.read()
+
+            def put_file():
+                request = urllib.request.Request(put, data=data, method="PUT", headers=headers)
+                request.add_header("Content-Type", "application/octet-stream")
+                with urllib.request.urlopen(request, timeout=60) as answer:
+                    return answer.status
+
+            await asyncio.get_event_loop().run_in_executor(None, put_file)
+            msg = self.make_message(mto=cmd["to"], mbody=get, mtype=cmd.get("type", "chat"))
+            oob = ET.Element("{jabber:x:oob}x")
+            ET.SubElement(oob, "{jabber:x:oob}url").text = get
+            msg.append(oob)
+            msg.send()
+            emit(event="uploaded", url=get)
+        except Exception as error:
+            emit(event="error", text="upload: %s" % error)
+
+    async def fetch(self, cmd):
+        def get_file():
+            try:
+                with urllib.request.urlopen(cmd["url"], timeout=60) as answer:
+                    with open(cmd["path"], "wb") as f:
+                        f.write(answer.read())
+                    return answer.status
+            except urllib.error.HTTPError as error:
+                return error.code
+        status = await asyncio.get_event_loop().run_in_executor(None, get_file)
+        emit(event="fetched", path=cmd["path"], status=status)
 
 
 def main():

@@ -12,9 +12,9 @@ namespace xmpp_test {
 
 // Accounts every server has; each test picks its own so that tests sharing
 // a server never see each other's rosters and archives.
-inline const std::vector<std::string> kAccounts = {"alice", "bob",  "carol", "dave", "erin", "fred",
-                                                   "gina",  "hank", "ivan",  "judy", "kate", "lena",
-                                                   "mike",  "nora", "otto",  "pia"};
+inline const std::vector<std::string> kAccounts = {
+    "alice", "bob",  "carol", "dave", "erin", "fred", "gina",  "hank", "ivan", "judy",
+    "kate",  "lena", "mike",  "nora", "otto", "pia",  "quinn", "ruth", "sam",  "tina"};
 
 ProsodyServer& Server();
 
