@@ -148,6 +148,12 @@ class XmppBackend final : public Backend, public LinkListener {
   // Joins (after checking the room still exists) and reads its members.
   void JoinRoom(const std::string& group, std::function<void(int code)> then);
   void RefreshMembers(const std::string& group, std::function<void(int code)> then);
+  void AskAffiliations(const std::string& group, size_t step,
+                       std::shared_ptr<std::map<std::string, std::string>> found,
+                       std::function<void(int code)> then);
+  // Answers TIMGroupGetGroupInfoList from `i` on, one room after the other.
+  void CollectGroupInfos(std::vector<std::string> wanted, size_t i,
+                         std::shared_ptr<Json::Value> out, ResultFn done);
   // Drops a room we no longer belong to: its state, bookmark and occupant.
   void ForgetRoom(const std::string& group);
   void OnRoomPresence(xmpp_stanza_t* stanza);

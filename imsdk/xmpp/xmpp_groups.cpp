@@ -3,6 +3,7 @@
 // groups an account belongs to are its room bookmarks.
 #include <cstdlib>
 #include <ctime>
+#include <iterator>
 
 #include "imsdk/im_sdk.h"
 #include "imsdk/json_util.h"
@@ -121,35 +122,33 @@ void XmppBackend::JoinRoom(const std::string& group, std::function<void(int code
 }
 
 void XmppBackend::RefreshMembers(const std::string& group, std::function<void(int code)> then) {
-  auto found = std::make_shared<std::map<std::string, std::string>>();
-  auto ask = std::make_shared<std::function<void(size_t)>>();
+  AskAffiliations(group, 0, std::make_shared<std::map<std::string, std::string>>(),
+                  std::move(then));
+}
+
+void XmppBackend::AskAffiliations(const std::string& group, size_t step,
+                                  std::shared_ptr<std::map<std::string, std::string>> found,
+                                  std::function<void(int code)> then) {
   static const char* const kAffiliations[] = {"owner", "admin", "member"};
-  *ask = [this, group, found, ask, then](size_t step) {
-    if (step == 3) {
-      auto room = rooms_.find(group);
-      if (room != rooms_.end()) room->second.affiliations = std::move(*found);
-      auto answer = then;
-      *ask = nullptr;  // ends the self-reference (and this closure)
-      return answer(room != rooms_.end() ? TIM_SUCC : TIM_ERR_NOT_GROUP_MEMBER);
-    }
-    link_->SendIq(AffiliationListIq(link_->ctx(), RoomJid(group), kAffiliations[step]),
-                  [this, found, ask, step, then](xmpp_stanza_t* reply) {
-                    if (!IsResult(reply)) {
-                      *ask = nullptr;  // `then` is this closure's own copy
-                      return then(GroupFailureCode(reply));
+  if (step == std::size(kAffiliations)) {
+    auto room = rooms_.find(group);
+    if (room == rooms_.end()) return then(TIM_ERR_NOT_GROUP_MEMBER);
+    room->second.affiliations = std::move(*found);
+    return then(TIM_SUCC);
+  }
+  link_->SendIq(AffiliationListIq(link_->ctx(), RoomJid(group), kAffiliations[step]),
+                [this, group, step, found, then](xmpp_stanza_t* reply) {
+                  if (!IsResult(reply)) return then(GroupFailureCode(reply));
+                  xmpp_stanza_t* query = ChildOf(reply, "query", ns::kMucAdmin);
+                  for (xmpp_stanza_t* item = ChildOf(query, "item"); item != nullptr;
+                       item = xmpp_stanza_get_next(item)) {
+                    const std::string user = UserOf(AttrOf(item, "jid"));
+                    if (NameOf(item) == "item" && !user.empty()) {
+                      (*found)[user] = AttrOf(item, "affiliation");
                     }
-                    xmpp_stanza_t* query = ChildOf(reply, "query", ns::kMucAdmin);
-                    for (xmpp_stanza_t* item = ChildOf(query, "item"); item != nullptr;
-                         item = xmpp_stanza_get_next(item)) {
-                      const std::string user = UserOf(AttrOf(item, "jid"));
-                      if (NameOf(item) == "item" && !user.empty()) {
-                        (*found)[user] = AttrOf(item, "affiliation");
-                      }
-                    }
-                    (*ask)(step + 1);
-                  });
-  };
-  (*ask)(0);
+                  }
+                  AskAffiliations(group, step + 1, found, then);
+                });
 }
 
 void XmppBackend::SetAffiliations(const std::string& group,
@@ -180,31 +179,26 @@ int XmppBackend::GetGroupInfos(const Json::Value& ids, ResultFn done) {
     wanted.push_back(id.asString());
   }
   return WhenSignedIn([this, wanted, done] {
-    auto out = std::make_shared<Json::Value>(Json::arrayValue);
-    auto next = std::make_shared<std::function<void(size_t)>>();
-    *next = [this, wanted, out, next, done](size_t i) {
-      while (i < wanted.size() && rooms_.count(wanted[i]) == 0) ++i;  // unknown ids left out
-      if (i == wanted.size()) {
-        auto answer = done;
-        const std::string json = WriteJson(*out);
-        *next = nullptr;  // ends the self-reference (and this closure)
-        return answer(TIM_SUCC, "", json);
+    CollectGroupInfos(wanted, 0, std::make_shared<Json::Value>(Json::arrayValue), done);
+  });
+}
+
+void XmppBackend::CollectGroupInfos(std::vector<std::string> wanted, size_t i,
+                                    std::shared_ptr<Json::Value> out, ResultFn done) {
+  while (i < wanted.size() && rooms_.count(wanted[i]) == 0) ++i;  // unknown ids left out
+  if (i == wanted.size()) return done(TIM_SUCC, "", WriteJson(*out));
+  const std::string group = wanted[i];
+  RefreshMembers(group, [this, wanted, i, out, done](int) {
+    auto room = rooms_.find(wanted[i]);
+    if (room != rooms_.end()) {
+      Json::Value value = GroupObject(wanted[i], room->second);
+      value["group_base_info_member_array"] = Json::Value(Json::arrayValue);
+      for (const auto& [user, affiliation] : room->second.affiliations) {
+        value["group_base_info_member_array"].append(MemberObject(user, affiliation));
       }
-      const std::string group = wanted[i];
-      RefreshMembers(group, [this, group, out, next, i](int) {
-        auto room = rooms_.find(group);
-        if (room != rooms_.end()) {
-          Json::Value value = GroupObject(group, room->second);
-          value["group_base_info_member_array"] = Json::Value(Json::arrayValue);
-          for (const auto& [user, affiliation] : room->second.affiliations) {
-            value["group_base_info_member_array"].append(MemberObject(user, affiliation));
-          }
-          out->append(value);
-        }
-        (*next)(i + 1);
-      });
-    };
-    (*next)(0);
+      out->append(value);
+    }
+    CollectGroupInfos(wanted, i + 1, out, done);
   });
 }
 
