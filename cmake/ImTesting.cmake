@@ -40,8 +40,10 @@ function(im_add_test name)
   endif()
   im_make_runtime_dir(${scratch}/run)
   # gtest_discover_tests cannot pass a list-valued ENVIRONMENT property, so
-  # every run (discovery included) goes through env(1) instead.
-  set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "env;${env}")
+  # every run (discovery included) goes through env(1) instead, and through a
+  # wrapper that gives each test process its own temporary folder.
+  set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR
+    "env;${env};${CMAKE_SOURCE_DIR}/cmake/isolated-test")
   gtest_discover_tests(${name}
     DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT 300
