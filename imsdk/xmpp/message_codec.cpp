@@ -241,6 +241,15 @@ uint64_t MessageIdFor(const WireMessage& msg) {
   return Hash63("archive\n" + msg.archive_id);
 }
 
+std::string FormatStamp(uint64_t seconds) {
+  const std::time_t t = static_cast<std::time_t>(seconds);
+  std::tm tm{};
+  gmtime_r(&t, &tm);
+  char text[32];
+  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &tm);
+  return text;
+}
+
 uint64_t ParseStamp(const std::string& stamp) {
   int y = 0, mo = 0, d = 0, h = 0, mi = 0, s = 0, consumed = 0;
   if (std::sscanf(stamp.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d%n", &y, &mo, &d, &h, &mi, &s,

@@ -58,6 +58,8 @@ uint64_t Hash63(const std::string& text);
 // Seconds since 1970 of an XMPP date-time ("2026-11-23T12:00:00.123Z",
 // offsets allowed); 0 when it does not parse.
 uint64_t ParseStamp(const std::string& stamp);
+// Seconds since the epoch as an XMPP date-time (UTC), e.g. for MAM's start.
+std::string FormatStamp(uint64_t seconds);
 // The <delay stamp> inside `st` (0 when none).
 uint64_t DelayStamp(xmpp_stanza_t* st);
 

@@ -16,15 +16,6 @@ bool IsResult(xmpp_stanza_t* reply) {
   return reply != nullptr && AttrOf(reply, "type") == "result";
 }
 
-std::string StampOf(uint64_t seconds) {
-  const time_t t = static_cast<time_t>(seconds);
-  std::tm tm{};
-  gmtime_r(&t, &tm);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &tm);
-  return text;
-}
-
 }  // namespace
 
 std::string XmppBackend::GroupOf(const std::string& jid) const {
@@ -55,7 +46,7 @@ void XmppBackend::PublishBookmark(const std::string& group) {
   auto room = rooms_.find(group);
   if (room == rooms_.end()) return;
   if (store_.Setting("room_joined:" + group).empty()) {
-    store_.SetSetting("room_joined:" + group, StampOf(Now()));
+    store_.SetSetting("room_joined:" + group, FormatStamp(Now()));
   }
   if (store_.Setting("room_created:" + group).empty()) {
     store_.SetSetting("room_created:" + group, std::to_string(room->second.create_time));

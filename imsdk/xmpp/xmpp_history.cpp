@@ -18,15 +18,6 @@ constexpr int kMostPages = 40;
 // clocks that stamped them may differ a little (duplicates are dropped).
 constexpr uint64_t kCatchUpMarginSeconds = 300;
 
-std::string UtcStamp(uint64_t seconds) {
-  std::time_t t = static_cast<std::time_t>(seconds);
-  std::tm tm{};
-  gmtime_r(&t, &tm);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &tm);
-  return text;
-}
-
 }  // namespace
 
 struct XmppBackend::HistoryQuery {
@@ -62,7 +53,7 @@ void XmppBackend::CatchUpFrom(const std::string& after, uint64_t since) {
   query->catch_up = true;
   query->forward = true;
   query->cursor = after;
-  if (after.empty() && since != 0) query->start = UtcStamp(since);
+  if (after.empty() && since != 0) query->start = FormatStamp(since);
   query->count = std::numeric_limits<int>::max();
   HistoryQuery* self = query.get();  // alive while its own answer runs
   query->done = [this, self, after](int code, const std::string& desc, const std::string&) {
