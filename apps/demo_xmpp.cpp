@@ -22,13 +22,13 @@ std::string Jid(const char* user) {
 }  // namespace
 
 XmppWorld::~XmppWorld() {
-  if (!configFile_.empty()) RemoveServerConfig(std::filesystem::path(configFile_).parent_path());
+  if (!configFolder_.empty()) RemoveServerConfig(configFolder_);
 }
 
 bool XmppWorld::Start(const std::string& sdkConfigFolder) {
   if (!server_.Start({kUser, kAnswering, kQuiet, kStranger})) return false;
   server_.WriteSdkConfig(sdkConfigFolder);
-  configFile_ = sdkConfigFolder + kConfigFile;
+  configFolder_ = sdkConfigFolder;
   answering_ = std::make_unique<xmpp_test::PeerProcess>(server_, kAnswering, "demo");
   if (!answering_->ready()) {
     std::fprintf(stderr, "demo: 王工's XMPP client did not sign in\n");

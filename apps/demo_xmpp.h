@@ -34,7 +34,7 @@ class XmppWorld {
  private:
   xmpp_test::ProsodyServer server_;
   std::unique_ptr<xmpp_test::PeerProcess> answering_;
-  std::string configFile_;
+  std::string configFolder_;  // where imsdk.json was written; empty before
   size_t seenEvents_ = 0;
 };
 

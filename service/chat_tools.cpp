@@ -106,6 +106,10 @@ std::vector<RecentConversation> CChatTools::RecentConversations() const {
   return recent_.List();
 }
 
+std::optional<RecentConversation> CChatTools::FindRecentConv(const WString& convId) const {
+  return recent_.FindRecent(convId);
+}
+
 size_t CChatTools::RecentCount() const {
   return recent_.Count();
 }

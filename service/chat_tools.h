@@ -187,6 +187,7 @@ class CChatTools {
   int RequestConvList();
 
   std::vector<RecentConversation> RecentConversations() const;
+  std::optional<RecentConversation> FindRecentConv(const WString& convId) const;
   size_t RecentCount() const;
   // The take-record operation: under "RencentConvData", removes the record
   // of `convId` from the recent list and returns it.

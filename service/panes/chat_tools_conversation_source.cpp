@@ -20,16 +20,19 @@ class ChatToolsConversationSource : public ConversationListSource {
   }
 
   std::vector<ConversationInfo_Stru> RecentConversations() const override {
+    std::vector<RecentConversation> records = tools_.RecentConversations();
     std::vector<ConversationInfo_Stru> list;
-    for (RecentConversation& recent : tools_.RecentConversations()) {
+    list.reserve(records.size());
+    for (RecentConversation& recent : records) {
       list.push_back(WithLastMessage(std::move(recent.info)));
     }
     return list;
   }
 
   std::optional<ConversationInfo_Stru> FindConversation(const WString& convId) const override {
-    for (RecentConversation& recent : tools_.RecentConversations()) {
-      if (recent.info.conv_id == convId) return WithLastMessage(std::move(recent.info));
+    // One record copied, not the whole list: per-item updates come often.
+    if (std::optional<RecentConversation> recent = tools_.FindRecentConv(convId)) {
+      return WithLastMessage(std::move(recent->info));
     }
     return tools_.FindConversation(convId);
   }

@@ -58,6 +58,14 @@ std::optional<uint32_t> RecentConversations::RemoveRecent(const WString& convId)
   return taken->info.conv_type;
 }
 
+std::optional<RecentConversation> RecentConversations::FindRecent(const WString& convId) const {
+  std::lock_guard lock(mutex_);
+  auto it = std::find_if(recent_.begin(), recent_.end(),
+                         [&](const RecentConversation& r) { return r.info.conv_id == convId; });
+  if (it == recent_.end()) return std::nullopt;
+  return *it;
+}
+
 std::optional<RecentConversation> RecentConversations::TakeRecent(const WString& convId) {
   std::lock_guard lock(mutex_);
   auto it = std::find_if(recent_.begin(), recent_.end(),

@@ -37,6 +37,8 @@ class RecentConversations {
   // Removes the record; its type when it was there.
   std::optional<uint32_t> RemoveRecent(const WString& convId);
   std::optional<RecentConversation> TakeRecent(const WString& convId);
+  // A copy of one record, the list left as it is.
+  std::optional<RecentConversation> FindRecent(const WString& convId) const;
   void InsertRecentFront(RecentConversation record);
   // A conversation list from the SDK replaces the recent list (never merged)
   // and registers the conversations that came with a last message.
