@@ -155,9 +155,11 @@ uint64_t LocalStore::MessageTime(uint64_t unique_id) {
   return s.Bind(static_cast<int64_t>(unique_id)).Step() ? static_cast<uint64_t>(s.Int(0)) : 0;
 }
 
-uint64_t LocalStore::NewestMessageTime() {
-  Statement s(db_, "SELECT IFNULL(max(server_time), 0) FROM messages");
-  return s.Step() ? static_cast<uint64_t>(s.Int(0)) : 0;
+uint64_t LocalStore::NewestMessageTime(int conv_type, const std::string& conv_id) {
+  Statement s(db_,
+              "SELECT IFNULL(max(server_time), 0) FROM messages WHERE conv_type=? AND "
+              "(?='' OR conv_id=?)");
+  return s.Bind(conv_type, conv_id, conv_id).Step() ? static_cast<uint64_t>(s.Int(0)) : 0;
 }
 
 namespace {

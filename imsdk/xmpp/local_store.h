@@ -56,8 +56,9 @@ class LocalStore {
   std::string ArchiveId(uint64_t unique_id);
   // The server time of a known message (0 when unknown).
   uint64_t MessageTime(uint64_t unique_id);
-  // The newest server time of any message kept (0 when none).
-  uint64_t NewestMessageTime();
+  // The newest server time of the messages kept in conversations of
+  // `conv_type` (only `conv_id`'s unless empty); 0 when none.
+  uint64_t NewestMessageTime(int conv_type, const std::string& conv_id);
 
   std::vector<StoredConversation> Conversations();
   std::optional<StoredConversation> Conversation(int type, const std::string& id);

@@ -127,14 +127,18 @@ class XmppBackend final : public Backend, public LinkListener {
   // Fetches from the archive what came after the last message seen (a
   // return without resumption may have lost what was in flight).
   void CatchUp();
-  // Catches up after the archive id `after`, or (when empty) from the
-  // server time `since` on (0: the whole archive).
-  void CatchUpFrom(const std::string& after, uint64_t since);
-  static constexpr const char* kLastArchiveIdKey = "last_archive_id";
-  // True when `stanza` is an archive result (used or dropped).
-  bool OnArchiveResult(xmpp_stanza_t* stanza);
   // Fetches what a room's archive holds after the last message seen there.
   void CatchUpRoom(const std::string& group);
+  // Catches up in the 1:1 archive (`group` empty) or a room's, after the
+  // archive id `after`, or (when empty) from the stamp `start` on (empty:
+  // the whole archive). When the archive forgot `after`, again by time.
+  void CatchUpFrom(const std::string& group, const std::string& after, const std::string& start);
+  static constexpr const char* kLastArchiveIdKey = "last_archive_id";
+  static std::string RoomLastArchiveIdKey(const std::string& group) {
+    return "room_last_archive_id:" + group;
+  }
+  // True when `stanza` is an archive result (used or dropped).
+  bool OnArchiveResult(xmpp_stanza_t* stanza);
 
   // Groups (xmpp_groups.cpp: requests; xmpp_group_events.cpp: what rooms tell).
   std::string RoomJid(const std::string& group) const { return group + "@" + config_.muc_domain; }

@@ -45,49 +45,47 @@ struct XmppBackend::HistoryQuery {
 void XmppBackend::CatchUp() {
   const std::string last = store_.Setting(kLastArchiveIdKey);
   if (last.empty()) return;  // a first sign-in has no past to catch up on
-  CatchUpFrom(last, 0);
-}
-
-void XmppBackend::CatchUpFrom(const std::string& after, uint64_t since) {
-  auto query = std::make_shared<HistoryQuery>();
-  query->catch_up = true;
-  query->forward = true;
-  query->cursor = after;
-  if (after.empty() && since != 0) query->start = FormatStamp(since);
-  query->count = std::numeric_limits<int>::max();
-  HistoryQuery* self = query.get();  // alive while its own answer runs
-  query->done = [this, self, after](int code, const std::string& desc, const std::string&) {
-    if (code == TIM_SUCC) return;
-    if (!after.empty() && self->error == "item-not-found") {
-      // The server no longer knows the last message seen (its archive was
-      // reset, or expired it while the user was away). Having asked the
-      // archive, the user gets no offline copies either: catch up by time.
-      const uint64_t newest = store_.NewestMessageTime();
-      Trace("catching up: the archive forgot %s, reading it from %llu on", after.c_str(),
-            static_cast<unsigned long long>(newest));
-      return CatchUpFrom("", newest > kCatchUpMarginSeconds ? newest - kCatchUpMarginSeconds : 0);
-    }
-    Trace("catching up failed: %s", desc.c_str());
-  };
-  QueryArchivePage(query);
+  CatchUpFrom("", last, "");
 }
 
 void XmppBackend::CatchUpRoom(const std::string& group) {
+  const std::string last = store_.Setting(RoomLastArchiveIdKey(group));
+  // Never received anything there: whatever came since we joined.
+  const std::string joined = last.empty() ? store_.Setting("room_joined:" + group) : "";
+  if (last.empty() && joined.empty()) return;
+  CatchUpFrom(group, last, joined);
+}
+
+void XmppBackend::CatchUpFrom(const std::string& group, const std::string& after,
+                              const std::string& start) {
   auto query = std::make_shared<HistoryQuery>();
   query->catch_up = true;
-  query->conv_type = kTIMConv_Group;
-  query->peer = group;
   query->forward = true;
-  query->count = std::numeric_limits<int>::max();
-  query->cursor = store_.Setting("room_last_archive_id:" + group);
-  if (query->cursor.empty()) {
-    // Never received anything there: whatever came since we joined.
-    const std::string joined = store_.Setting("room_joined:" + group);
-    if (joined.empty()) return;
-    query->start = joined;
+  if (!group.empty()) {
+    query->conv_type = kTIMConv_Group;
+    query->peer = group;
   }
-  query->done = [this, group](int code, const std::string& desc, const std::string&) {
-    if (code != TIM_SUCC) Trace("catching up in group %s failed: %s", group.c_str(), desc.c_str());
+  query->cursor = after;
+  if (after.empty()) query->start = start;
+  query->count = std::numeric_limits<int>::max();
+  HistoryQuery* self = query.get();  // alive while its own answer runs
+  query->done = [this, self, group, after](int code, const std::string& desc, const std::string&) {
+    if (code == TIM_SUCC) return;
+    const char* where = group.empty() ? "chats" : group.c_str();
+    if (!after.empty() && self->error == "item-not-found") {
+      // The archive no longer knows the last message seen (it was reset,
+      // or expired it while the user was away). Having asked the archive,
+      // the user gets no offline copies either: catch up by time.
+      const uint64_t newest = group.empty() ? store_.NewestMessageTime(kTIMConv_C2C, "")
+                                            : store_.NewestMessageTime(kTIMConv_Group, group);
+      Trace("catching up in %s: the archive forgot %s, reading it from %llu on", where,
+            after.c_str(), static_cast<unsigned long long>(newest));
+      // Nothing kept: the whole archive.
+      const std::string since =
+          newest > kCatchUpMarginSeconds ? FormatStamp(newest - kCatchUpMarginSeconds) : "";
+      return CatchUpFrom(group, "", since);
+    }
+    Trace("catching up in %s failed: %s", where, desc.c_str());
   };
   QueryArchivePage(query);
 }

@@ -211,7 +211,7 @@ void XmppBackend::FlushIncoming() {
   if (batch_open_) {
     if (!last_archive_id_.empty()) store_.SetSetting(kLastArchiveIdKey, last_archive_id_);
     for (const auto& [group, id] : room_last_ids_) {
-      store_.SetSetting("room_last_archive_id:" + group, id);
+      store_.SetSetting(RoomLastArchiveIdKey(group), id);
     }
     room_last_ids_.clear();
     store_.Commit();

@@ -2,8 +2,6 @@
 // third-party client: both directions, byte for byte, an interrupted
 // download resumed, a vanished file.
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "tests/xmpp/xmpp_fixture.h"
 
@@ -16,49 +14,7 @@ using imsdk_test::Record;
 using imsdk_test::Tag;
 using imsdk_test::Write;
 
-std::string Bytes(size_t size, unsigned seed) {
-  std::string bytes(size, '\0');
-  for (size_t i = 0; i < size; ++i)
-    bytes[i] = static_cast<char>((i * 131 + seed * 7 + i / 253) & 0xff);
-  return bytes;
-}
-
-void WriteFile(const std::string& path, const std::string& bytes) {
-  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-  std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
-
-class XmppFileTest : public XmppTest {
- protected:
-  Record Download(const std::string& id, const std::string& path) {
-    Json::Value param;
-    param["msg_download_elem_param_id"] = id;
-    param["msg_download_elem_param_type"] = 0;
-    const std::string tag = NextTag("download");
-    EXPECT_EQ(TIMMsgDownloadElemToPath(Write(param).c_str(), path.c_str(), OnResult, Tag(tag)),
-              TIM_SUCC);
-    return rec.Result(tag);
-  }
-  // The peer fetches `url` into a file and returns its bytes.
-  std::string Fetch(PeerProcess& peer, const std::string& url, const std::string& path) {
-    Json::Value fetch;
-    fetch["cmd"] = "fetch";
-    fetch["url"] = url;
-    fetch["path"] = path;
-    peer.Command(fetch);
-    Json::Value got = peer.WaitFor(
-        [&](const Json::Value& e) { return e["event"] == "fetched" && e["path"] == path; });
-    EXPECT_EQ(got["status"], 200) << url;
-    return ReadFile(path);
-  }
-};
+using XmppFileTest = XmppTest;
 
 TEST_F(XmppFileTest, FilesAndPicturesTravelBothWaysByteForByte) {
   const std::string dir = imsdk_test::Scratch("xmpp-files-" + std::to_string(getpid()));

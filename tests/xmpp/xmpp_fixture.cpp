@@ -1,6 +1,10 @@
 #include "tests/xmpp/xmpp_fixture.h"
 
+#include <sqlite3.h>
+
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 
 namespace xmpp_test {
 
@@ -8,6 +12,25 @@ using imsdk_test::OnResult;
 using imsdk_test::Parse;
 using imsdk_test::Record;
 using imsdk_test::Tag;
+
+std::string Bytes(size_t size, unsigned seed) {
+  std::string bytes(size, '\0');
+  for (size_t i = 0; i < size; ++i)
+    bytes[i] = static_cast<char>((i * 131 + seed * 7 + i / 253) & 0xff);
+  return bytes;
+}
+
+void WriteFile(const std::string& path, const std::string& bytes) {
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+  std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream all;
+  all << in.rdbuf();
+  return all.str();
+}
 
 ProsodyServer& Server() {
   static ProsodyServer server;
@@ -88,6 +111,47 @@ Json::Value XmppTest::WaitForRecord(const std::string& name,
       return value;
     }
   }
+}
+
+Record XmppTest::Download(const std::string& id, const std::string& path) {
+  Json::Value param;
+  param["msg_download_elem_param_id"] = id;
+  param["msg_download_elem_param_type"] = 0;
+  const std::string tag = NextTag("download");
+  EXPECT_EQ(
+      TIMMsgDownloadElemToPath(imsdk_test::Write(param).c_str(), path.c_str(), OnResult, Tag(tag)),
+      TIM_SUCC);
+  return rec.Result(tag);
+}
+
+std::string XmppTest::Fetch(PeerProcess& peer, const std::string& url, const std::string& path) {
+  Json::Value fetch;
+  fetch["cmd"] = "fetch";
+  fetch["url"] = url;
+  fetch["path"] = path;
+  peer.Command(fetch);
+  Json::Value got = peer.WaitFor(
+      [&](const Json::Value& e) { return e["event"] == "fetched" && e["path"] == path; });
+  EXPECT_EQ(got["status"], 200) << url;
+  return ReadFile(path);
+}
+
+bool XmppTest::ChangeStoredSetting(const std::string& user, const std::string& key,
+                                   const std::string& value) {
+  sqlite3* db = nullptr;
+  const std::string file = config_folder_ + "/imsdk-" + user + "@localhost.sqlite";
+  if (sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) {
+    sqlite3_close(db);
+    return false;
+  }
+  sqlite3_stmt* update = nullptr;
+  sqlite3_prepare_v2(db, "UPDATE settings SET value=? WHERE key=?", -1, &update, nullptr);
+  sqlite3_bind_text(update, 1, value.c_str(), -1, SQLITE_TRANSIENT);
+  sqlite3_bind_text(update, 2, key.c_str(), -1, SQLITE_TRANSIENT);
+  const bool changed = sqlite3_step(update) == SQLITE_DONE && sqlite3_changes(db) == 1;
+  sqlite3_finalize(update);
+  sqlite3_close(db);
+  return changed;
 }
 
 }  // namespace xmpp_test

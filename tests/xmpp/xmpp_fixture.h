@@ -13,10 +13,16 @@ namespace xmpp_test {
 // Accounts every server has; each test picks its own so that tests sharing
 // a server never see each other's rosters and archives.
 inline const std::vector<std::string> kAccounts = {
-    "alice", "bob",  "carol", "dave", "erin", "fred", "gina",  "hank", "ivan", "judy",
-    "kate",  "lena", "mike",  "nora", "otto", "pia",  "quinn", "ruth", "sam",  "tina"};
+    "alice", "bob",  "carol", "dave", "erin", "fred", "gina", "hank",
+    "ivan",  "judy", "kate",  "lena", "mike", "nora", "otto", "pia",
+    "quinn", "ruth", "sam",   "tina", "uma",  "vera", "walt"};
 
 ProsodyServer& Server();
+
+// Test files: `size` bytes that differ with `seed`.
+std::string Bytes(size_t size, unsigned seed);
+void WriteFile(const std::string& path, const std::string& bytes);
+std::string ReadFile(const std::string& path);
 
 class XmppTest : public ::testing::Test {
  protected:
@@ -32,6 +38,14 @@ class XmppTest : public ::testing::Test {
   // Waits for a record named `name` whose JSON satisfies `match`; null when none came.
   Json::Value WaitForRecord(const std::string& name,
                             const std::function<bool(const Json::Value&)>& match);
+  // Downloads a file element's `id` through the C API.
+  imsdk_test::Record Download(const std::string& id, const std::string& path);
+  // The peer fetches `url` into `path` and returns the bytes.
+  std::string Fetch(PeerProcess& peer, const std::string& url, const std::string& path);
+  // Changes a setting in the signed-out `user`'s local store (as if the
+  // SDK had written it); false when there was no such setting.
+  bool ChangeStoredSetting(const std::string& user, const std::string& key,
+                           const std::string& value);
   std::string config_folder_;
   imsdk_test::Recorder& rec = imsdk_test::GetRecorder();
   int calls_ = 0;

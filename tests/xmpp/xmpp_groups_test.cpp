@@ -1,6 +1,9 @@
-// Groups as rooms with a third-party client in them: creation and
-// invitation, messages both ways, members removed, the owner handed on,
-// history, catching up at sign-in and disbanding.
+// Groups as rooms with third-party clients in them: creation and
+// invitation (then and later), messages and files both ways, members
+// removed, renaming, the owner handed on, quitting, history, catching up
+// at sign-in (also when the archive forgot where we were) and disbanding.
+#include <filesystem>
+
 #include "tests/xmpp/xmpp_fixture.h"
 
 namespace xmpp_test {
@@ -84,6 +87,14 @@ class XmppGroupTest : public XmppTest {
     EXPECT_EQ(call(Tag(tag)), TIM_SUCC) << what;
     return rec.Result(tag);
   }
+  Json::Value JoinedGroups() {
+    return Parse(Request("groups", [](void* tag) {
+                   return TIMGroupGetJoinedGroupList(OnResult, tag);
+                 }).json);
+  }
+  Record SignOut() {
+    return Request("logout", [](void* tag) { return TIMLogout(OnResult, tag); });
+  }
 };
 
 TEST_F(XmppGroupTest, ARoomWithAPlainClientCarriesMessagesMembersAndTheOwner) {
@@ -166,9 +177,7 @@ TEST_F(XmppGroupTest, ARoomWithAPlainClientCarriesMessagesMembersAndTheOwner) {
           .code,
       TIM_ERR_GROUP_PERMISSION);
 
-  Record groups =
-      Request("groups", [](void* tag) { return TIMGroupGetJoinedGroupList(OnResult, tag); });
-  Json::Value list = Parse(groups.json);
+  Json::Value list = JoinedGroups();
   ASSERT_EQ(list.size(), 1u);
   EXPECT_EQ(list[0]["group_base_info_owner_identifier"], "judy");
   EXPECT_EQ(list[0]["group_base_info_group_name"], "Room plan-review");
@@ -188,7 +197,7 @@ TEST_F(XmppGroupTest, WhatWasSaidWhileAwayIsCaughtUpOnceAtSignInAndDisbandingEnd
   Enter(*mike, "mike", "site-visit");
   SayInRoom(*mike, "site-visit", "before");
   ASSERT_FALSE(WaitForGroupText("site-visit", "before").isNull());
-  ASSERT_EQ(Request("logout", [](void* tag) { return TIMLogout(OnResult, tag); }).code, TIM_SUCC);
+  ASSERT_EQ(SignOut().code, TIM_SUCC);
 
   SayInRoom(*mike, "site-visit", "while away");
   // Said once the room has archived it: mike sees its own message come back.
@@ -198,9 +207,7 @@ TEST_F(XmppGroupTest, WhatWasSaidWhileAwayIsCaughtUpOnceAtSignInAndDisbandingEnd
                    .isNull());
   rec.Clear();
   ASSERT_EQ(SignIn("lena").code, TIM_SUCC);
-  Record groups =
-      Request("groups", [](void* tag) { return TIMGroupGetJoinedGroupList(OnResult, tag); });
-  ASSERT_EQ(Parse(groups.json).size(), 1u) << groups.json;
+  ASSERT_EQ(JoinedGroups().size(), 1u);
   ASSERT_FALSE(WaitForGroupText("site-visit", "while away").isNull());
   SayInRoom(*mike, "site-visit", "after");
   ASSERT_FALSE(WaitForGroupText("site-visit", "after").isNull());
@@ -211,6 +218,28 @@ TEST_F(XmppGroupTest, WhatWasSaidWhileAwayIsCaughtUpOnceAtSignInAndDisbandingEnd
     }
   }
   EXPECT_EQ(seen, 0) << "a message seen before came again";
+
+  // The room's archive forgot the last message seen there: what was missed
+  // arrives by time, and nothing twice.
+  ASSERT_EQ(SignOut().code, TIM_SUCC);
+  ASSERT_TRUE(ChangeStoredSetting("lena", "room_last_archive_id:site-visit", "forgotten"));
+  SayInRoom(*mike, "site-visit", "while forgotten");
+  ASSERT_FALSE(mike->WaitFor([](const Json::Value& e) {
+                     return e["event"] == "message" && e["body"] == "while forgotten";
+                   })
+                   .isNull());
+  rec.Clear();
+  ASSERT_EQ(SignIn("lena").code, TIM_SUCC);
+  ASSERT_FALSE(WaitForGroupText("site-visit", "while forgotten").isNull());
+  SayInRoom(*mike, "site-visit", "last");
+  ASSERT_FALSE(WaitForGroupText("site-visit", "last").isNull());
+  std::map<std::string, int> times;
+  for (const auto& r : rec.WaitFor("new_msg", rec.Count("new_msg"))) {
+    for (const auto& m : Parse(r.json)) {
+      ++times[m["message_elem_array"][0]["text_elem_content"].asString()];
+    }
+  }
+  EXPECT_EQ(times, (std::map<std::string, int>{{"while forgotten", 1}, {"last", 1}}));
 
   ASSERT_EQ(
       Request("disband", [](void* tag) { return TIMGroupDelete("site-visit", OnResult, tag); })
@@ -227,8 +256,131 @@ TEST_F(XmppGroupTest, WhatWasSaidWhileAwayIsCaughtUpOnceAtSignInAndDisbandingEnd
                             e["xml"].asString().find("<destroy") != std::string::npos;
                    })
                    .isNull());
-  groups = Request("groups2", [](void* tag) { return TIMGroupGetJoinedGroupList(OnResult, tag); });
-  EXPECT_EQ(Parse(groups.json).size(), 0u);
+  EXPECT_EQ(JoinedGroups().size(), 0u);
+}
+
+TEST_F(XmppGroupTest, LaterMembersRenamingFilesAndQuitting) {
+  const std::string dir = imsdk_test::Scratch("xmpp-group-files-" + std::to_string(getpid()));
+  std::filesystem::remove_all(dir);
+  ASSERT_EQ(SignIn("uma").code, TIM_SUCC);
+  auto vera = StartPeer("vera");
+  auto walt = StartPeer("walt");
+  ASSERT_EQ(CreateGroup("survey", {"vera"}).code, TIM_SUCC);
+  Enter(*vera, "vera", "survey");
+
+  // Invited after the room was made: a member already there is not again.
+  Record invited = Request("invite", [](void* tag) {
+    return TIMGroupInviteMember(
+        R"({"group_invite_member_param_group_id":"survey",
+            "group_invite_member_param_identifier_array":["walt","vera"]})",
+        OnResult, tag);
+  });
+  ASSERT_EQ(invited.code, TIM_SUCC) << invited.json;
+  Json::Value outcome = Parse(invited.json);
+  EXPECT_EQ(outcome[0]["group_invite_member_result_result"], 1);
+  EXPECT_EQ(outcome[1]["group_invite_member_result_result"], 2);
+  Enter(*walt, "walt", "survey");
+  Json::Value tip = WaitForTip(kTIMGroupTip_Invite, "walt");
+  ASSERT_FALSE(tip.isNull());
+  EXPECT_EQ(tip["group_tips_elem_op_user"], "uma");
+
+  Record renamed = Request("rename", [](void* tag) {
+    return TIMGroupModifyGroupInfo(
+        R"({"group_modify_info_param_group_id":"survey","group_modify_info_param_group_name":"Survey, east wing"})",
+        OnResult, tag);
+  });
+  ASSERT_EQ(renamed.code, TIM_SUCC) << renamed.json;
+  tip = WaitForTip(kTIMGroupTip_InfoChange, "Survey, east wing");
+  ASSERT_FALSE(tip.isNull());
+  EXPECT_EQ(tip["group_tips_elem_group_change_info_array"][0]["group_tips_group_change_info_flag"],
+            1);
+  EXPECT_EQ(JoinedGroups()[0]["group_base_info_group_name"], "Survey, east wing");
+  // The peers' room tells them (status 104: the configuration changed).
+  EXPECT_FALSE(walt->WaitFor([](const Json::Value& e) {
+                     return e["event"] == "message" &&
+                            e["xml"].asString().find("code=\"104\"") != std::string::npos;
+                   })
+                   .isNull());
+
+  // A file and a picture into the room; every member fetches the same bytes.
+  const std::string drawing = Bytes(90 * 1024, 5), picture = Bytes(30 * 1024, 6);
+  WriteFile(dir + "/section.dwg", drawing);
+  WriteFile(dir + "/facade.png", picture);
+  Json::Value msg;
+  msg["message_elem_array"][0]["elem_type"] = kTIMElem_File;
+  msg["message_elem_array"][0]["file_elem_file_path"] = dir + "/section.dwg";
+  msg["message_elem_array"][0]["file_elem_file_name"] = "section.dwg";
+  msg["message_elem_array"][1]["elem_type"] = kTIMElem_Image;
+  msg["message_elem_array"][1]["image_elem_orig_path"] = dir + "/facade.png";
+  Record sent = Request("send files", [&msg](void* tag) {
+    return TIMMsgSendNewMsg("survey", kTIMConv_Group, Write(msg).c_str(), OnResult, tag);
+  });
+  ASSERT_EQ(sent.code, TIM_SUCC) << sent.json;
+  Json::Value out = Parse(sent.json)["message_elem_array"];
+  const std::string file_url = out[0]["file_elem_url"].asString();
+  const std::string picture_url = out[1]["image_elem_orig_url"].asString();
+  Json::Value at_walt = walt->WaitFor([](const Json::Value& e) {
+    return e["event"] == "message" && e["type"] == "groupchat" &&
+           e["body"].asString().find("http") == 0;
+  });
+  ASSERT_FALSE(at_walt.isNull());
+  EXPECT_EQ(at_walt["body"].asString(), file_url + "\n" + picture_url);
+  EXPECT_TRUE(Fetch(*walt, file_url, dir + "/walt-section.dwg") == drawing);
+  EXPECT_TRUE(Fetch(*walt, picture_url, dir + "/walt-facade.png") == picture);
+  // A member's picture into the room reaches us as a picture we can fetch.
+  const std::string photo = Bytes(50 * 1024, 7);
+  WriteFile(dir + "/site.jpg", photo);
+  Json::Value upload;
+  upload["cmd"] = "upload_send";
+  upload["to"] = RoomOf("survey");
+  upload["type"] = "groupchat";
+  upload["upload"] = "upload.localhost";
+  upload["path"] = dir + "/site.jpg";
+  vera->Command(upload);
+  Json::Value image = WaitForRecord("new_msg", [](const Json::Value& m) {
+    return m["message_conv_id"] == "survey" &&
+           m["message_elem_array"][0]["elem_type"] == kTIMElem_Image;
+  });
+  ASSERT_FALSE(image.isNull());
+  EXPECT_EQ(image["message_sender"], "vera");
+  Record got = Download(image["message_elem_array"][0]["image_elem_orig_id"].asString(),
+                        dir + "/got-site.jpg");
+  ASSERT_EQ(got.code, TIM_SUCC) << got.json;
+  EXPECT_TRUE(ReadFile(dir + "/got-site.jpg") == photo);
+
+  // The owner cannot just leave; once the room is handed on, it can.
+  auto quit = [](void* tag) { return TIMGroupQuit("survey", OnResult, tag); };
+  EXPECT_EQ(Request("quit as owner", quit).code, TIM_ERR_GROUP_PERMISSION);
+  ASSERT_EQ(
+      Request(
+          "owner",
+          [](void* tag) {
+            return TIMGroupModifyGroupInfo(
+                R"({"group_modify_info_param_group_id":"survey","group_modify_info_param_owner":"vera"})",
+                OnResult, tag);
+          })
+          .code,
+      TIM_SUCC);
+  ASSERT_EQ(Request("quit", quit).code, TIM_SUCC);
+  EXPECT_FALSE(vera->WaitFor([](const Json::Value& e) {
+                     return e["event"] == "presence" &&
+                            e["from_full"].asString() == RoomOf("survey") + "/uma" &&
+                            e["xml"].asString().find("affiliation=\"none\"") != std::string::npos;
+                   })
+                   .isNull());
+  EXPECT_EQ(JoinedGroups().size(), 0u);
+  EXPECT_EQ(Request("history",
+                    [](void* tag) {
+                      return TIMMsgGetMsgList("survey", kTIMConv_Group,
+                                              R"({"msg_getmsglist_param_count":5})", OnResult, tag);
+                    })
+                .code,
+            TIM_ERR_NOT_GROUP_MEMBER);
+  // Gone for good: the next sign-in does not enter it again.
+  ASSERT_EQ(SignOut().code, TIM_SUCC);
+  ASSERT_EQ(SignIn("uma").code, TIM_SUCC);
+  EXPECT_EQ(JoinedGroups().size(), 0u);
+  std::filesystem::remove_all(dir);
 }
 
 }  // namespace

@@ -116,14 +116,7 @@ TEST_F(XmppTest, MissedMessagesArriveWhenTheArchiveForgotTheLastOneSeen) {
   ASSERT_EQ(TIMLogout(OnResult, Tag("out")), TIM_SUCC);
   ASSERT_EQ(rec.Result("out").code, TIM_SUCC);
 
-  sqlite3* db = nullptr;
-  ASSERT_EQ(sqlite3_open((config_folder_ + "/imsdk-gina@localhost.sqlite").c_str(), &db),
-            SQLITE_OK);
-  EXPECT_EQ(sqlite3_exec(db, "UPDATE settings SET value='forgotten' WHERE key='last_archive_id'",
-                         nullptr, nullptr, nullptr),
-            SQLITE_OK);
-  EXPECT_EQ(sqlite3_changes(db), 1);
-  sqlite3_close(db);
+  ASSERT_TRUE(ChangeStoredSetting("gina", "last_archive_id", "forgotten"));
   hank->Send("gina", "missed");
   Json::Value quit;
   quit["cmd"] = "quit";
