@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "imsdk/api_objects.h"
 #include "imsdk/backend.h"
 #include "imsdk/group_change_notifier.h"
 #include "imsdk/world_model.h"
@@ -129,6 +130,7 @@ class Engine final : public Backend {
   Json::Value ProfileValueLocked(const Account& account) const;
   Json::Value BriefProfileLocked(const std::string& id) const;
   Json::Value GroupValueLocked(const Group& group) const;
+  static GroupFields GroupFieldsOf(const Group& group);
   Json::Value MemberValueLocked(const GroupMember& member) const;
   Json::Value FriendValueLocked(const Friend& f) const;
   Json::Value PendencyValueLocked(const Pendency& p) const;

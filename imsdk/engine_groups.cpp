@@ -3,62 +3,24 @@
 #include <chrono>
 #include <set>
 
+#include "imsdk/api_objects.h"
 #include "imsdk/engine.h"
 #include "imsdk/im_sdk.h"
 #include "imsdk/json_util.h"
 
 namespace imsdk {
-namespace {
-
-Json::Value Strings(const std::vector<std::string>& values) {
-  Json::Value array(Json::arrayValue);
-  for (const auto& v : values) array.append(v);
-  return array;
-}
-
-Json::Value ChangeInfo(int flag, const std::string& value) {
-  Json::Value v;
-  v["group_tips_group_change_info_flag"] = flag;
-  v["group_tips_group_change_info_value"] = value;
-  v["group_tips_group_change_info_key"] = "";
-  return v;
-}
-
-}  // namespace
 
 Json::Value Engine::GroupTipElemLocked(const Group& group, int tip_type, const std::string& actor,
                                        const std::vector<std::string>& users) const {
-  Json::Value e(Json::objectValue);
-  e["elem_type"] = kTIMElem_GroupTips;
-  e["group_tips_elem_tip_type"] = tip_type;
-  e["group_tips_elem_op_user"] = actor;
-  e["group_tips_elem_group_name"] = group.name;
-  e["group_tips_elem_group_id"] = group.id;
-  e["group_tips_elem_time"] = Json::UInt64(NowSeconds());
-  e["group_tips_elem_user_array"] = Strings(users);
-  e["group_tips_elem_group_change_info_array"] = Json::Value(Json::arrayValue);
-  e["group_tips_elem_member_change_info_array"] = Json::Value(Json::arrayValue);
-  e["group_tips_elem_op_user_info"] = BriefProfileLocked(actor);
-  Json::Value changed(Json::arrayValue);
-  Json::Value changed_members(Json::arrayValue);
-  for (const auto& u : users) {
-    changed.append(BriefProfileLocked(u));
-    GroupMember member{u, 0, 1};
-    for (const auto& m : group.members) {
-      if (m.id == u) member = m;
-    }
-    changed_members.append(MemberValueLocked(member));
-  }
-  e["group_tips_elem_changed_user_info_array"] = changed;
-  Json::Value op_member(Json::objectValue);
-  for (const auto& m : group.members) {
-    if (m.id == actor) op_member = MemberValueLocked(m);
-  }
-  e["group_tips_elem_op_group_memberinfo"] = op_member;
-  e["group_tips_elem_changed_group_memberinfo_array"] = changed_members;
-  e["group_tips_elem_member_num"] = static_cast<Json::UInt>(group.members.size());
-  e["group_tips_elem_platform"] = "";
-  return e;
+  return GroupTipElem(
+      tip_type, GroupFieldsOf(group), actor, users, NowSeconds(),
+      [this](const std::string& id) { return BriefProfileLocked(id); },
+      [this, &group](const std::string& id) {
+        for (const auto& m : group.members) {
+          if (m.id == id) return MemberValueLocked(m);
+        }
+        return Json::Value();
+      });
 }
 
 void Engine::GroupChangedLocked(GroupChange change) {
@@ -147,13 +109,8 @@ int Engine::DisbandGroupLocked(const std::string& actor, const std::string& grou
   if (it->second.owner != actor) return TIM_ERR_GROUP_PERMISSION;
   Group group = std::move(it->second);
   world_.groups.erase(it);
-  Json::Value report(Json::objectValue);
-  report["elem_type"] = kTIMElem_GroupReport;
-  report["group_report_elem_report_type"] = kTIMGroupReport_Disband;
-  report["group_report_elem_group_id"] = group.id;
-  report["group_report_elem_group_name"] = group.name;
-  report["group_report_elem_op_user"] = actor;
-  report["group_report_elem_op_user_info"] = BriefProfileLocked(actor);
+  Json::Value report = GroupReportElem(kTIMGroupReport_Disband, group.id, group.name, actor,
+                                       BriefProfileLocked(actor));
   GroupChangedLocked({GroupChange::Kind::kDismissed, group.id, "", "", {}});
   PostGroupTipLocked(group, actor, report, {});
   return TIM_SUCC;
@@ -243,17 +200,17 @@ int Engine::ModifyGroupLocked(const std::string& actor, const std::string& group
   Json::Value changes(Json::arrayValue);
   if (name != nullptr) {
     group.name = *name;
-    changes.append(ChangeInfo(1, *name));
+    changes.append(GroupChangeInfo(1, *name));
     GroupChangedLocked({GroupChange::Kind::kRenamed, group_id, *name, "", {}});
   }
   if (face != nullptr) {
     group.face_url = *face;
-    changes.append(ChangeInfo(3, *face));
+    changes.append(GroupChangeInfo(3, *face));
   }
   if (owner != nullptr && *owner != group.owner) {
     for (auto& m : group.members) m.role = m.id == *owner ? 3 : 1;
     group.owner = *owner;
-    changes.append(ChangeInfo(5, *owner));
+    changes.append(GroupChangeInfo(5, *owner));
     GroupChangedLocked({GroupChange::Kind::kOwnerChanged, group_id, *owner, "", {}});
   }
   if (changes.empty()) return TIM_SUCC;

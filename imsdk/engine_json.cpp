@@ -8,12 +8,13 @@
 namespace imsdk {
 
 Json::Value Engine::BriefProfileLocked(const std::string& id) const {
-  Json::Value brief(Json::objectValue);
-  brief["user_profile_identifier"] = id;
   auto it = world_.accounts.find(id);
-  brief["user_profile_nick_name"] = it == world_.accounts.end() ? "" : it->second.nick;
-  brief["user_profile_face_url"] = it == world_.accounts.end() ? "" : it->second.face_url;
-  return brief;
+  if (it == world_.accounts.end()) return BriefProfileObject(id, "", "");
+  return BriefProfileObject(id, it->second.nick, it->second.face_url);
+}
+
+GroupFields Engine::GroupFieldsOf(const Group& g) {
+  return GroupFields{g.id, g.name, g.type, g.face_url, g.owner, g.members.size(), g.create_time};
 }
 
 Json::Value Engine::MessageValueLocked(const Message& msg, const std::string& viewer) const {
@@ -76,28 +77,11 @@ Json::Value Engine::PendencyValueLocked(const Pendency& p) const {
 }
 
 Json::Value Engine::MemberValueLocked(const GroupMember& m) const {
-  Json::Value v(Json::objectValue);
-  v["group_member_info_identifier"] = m.id;
-  v["group_member_info_join_time"] = Json::UInt64(m.join_time);
-  v["group_member_info_member_role"] = m.role;
-  v["group_member_info_msg_flag"] = 0;
-  v["group_member_info_msg_seq"] = 0;
-  v["group_member_info_shutup_time"] = 0;
-  v["group_member_info_name_card"] = "";
-  v["group_member_info_custom_info"] = Json::Value(Json::arrayValue);
-  return v;
+  return GroupMemberObject(m.id, m.join_time, m.role);
 }
 
 Json::Value Engine::GroupValueLocked(const Group& g) const {
-  Json::Value v(Json::objectValue);
-  v["group_base_info_group_id"] = g.id;
-  v["group_base_info_group_name"] = g.name;
-  v["group_base_info_group_type"] = g.type;
-  v["group_base_info_face_url"] = g.face_url;
-  v["group_base_info_owner_identifier"] = g.owner;
-  v["group_base_info_member_num"] = static_cast<Json::UInt>(g.members.size());
-  v["group_base_info_create_time"] = Json::UInt64(g.create_time);
-  return v;
+  return GroupBaseObject(GroupFieldsOf(g));
 }
 
 }  // namespace imsdk

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "imsdk/api_objects.h"
 #include "imsdk/engine.h"
 #include "imsdk/failure_queue.h"
 #include "imsdk/im_sdk.h"
@@ -381,17 +382,9 @@ bool Engine::RevokeLocked(const std::string& sender, const ConvKey& key, uint64_
   }
   for (const auto& receiver : receivers) {
     if (receiver == sender) continue;
-    Json::Value locator;
-    locator["message_locator_conv_id"] = key.first == kTIMConv_C2C ? sender : key.second;
-    locator["message_locator_conv_type"] = key.first;
-    locator["message_locator_is_revoked"] = true;
-    locator["message_locator_time"] = Json::UInt64(time);
-    locator["message_locator_seq"] = 0;
-    locator["message_locator_is_self"] = false;
-    locator["message_locator_rand"] = 0;
-    locator["message_locator_unique_id"] = Json::UInt64(unique_id);
     Json::Value array(Json::arrayValue);
-    array.append(locator);
+    array.append(RevokedLocator(key.first == kTIMConv_C2C ? sender : key.second, key.first, time,
+                                unique_id));
     NotifyLocked(receiver, Event{EventKind::kRevoked, WriteJson(array)});
   }
   return true;

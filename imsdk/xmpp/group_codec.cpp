@@ -1,5 +1,6 @@
 #include "imsdk/xmpp/group_codec.h"
 
+#include "imsdk/api_objects.h"
 #include "imsdk/im_sdk.h"
 
 namespace imsdk::xmpp {
@@ -28,11 +29,18 @@ Stanza Iq(xmpp_ctx_t* ctx, const char* type, const std::string& to = "") {
 }
 
 Json::Value Brief(const std::string& user) {
-  Json::Value v(Json::objectValue);
-  v["user_profile_identifier"] = user;
-  v["user_profile_nick_name"] = "";
-  v["user_profile_face_url"] = "";
-  return v;
+  // Rooms know their members by user id only.
+  return BriefProfileObject(user, "", "");
+}
+
+GroupFields FieldsOf(const std::string& id, const RoomState& room) {
+  GroupFields fields;
+  fields.id = id;
+  fields.name = room.name;
+  fields.owner = room.Owner();
+  fields.member_num = room.affiliations.size();
+  fields.create_time = room.create_time;
+  return fields;
 }
 
 }  // namespace
@@ -165,88 +173,36 @@ int MemberRole(const std::string& affiliation) {
   return affiliation == "owner" ? 3 : 1;
 }
 
-Json::Value MemberObject(const std::string& user, const std::string& affiliation) {
-  Json::Value v(Json::objectValue);
-  v["group_member_info_identifier"] = user;
-  v["group_member_info_join_time"] = 0;
-  v["group_member_info_member_role"] = MemberRole(affiliation);
-  v["group_member_info_msg_flag"] = 0;
-  v["group_member_info_msg_seq"] = 0;
-  v["group_member_info_shutup_time"] = 0;
-  v["group_member_info_name_card"] = "";
-  v["group_member_info_custom_info"] = Json::Value(Json::arrayValue);
-  return v;
+Json::Value RoomMemberObject(const std::string& user, const std::string& affiliation) {
+  return GroupMemberObject(user, 0, MemberRole(affiliation));
 }
 
-Json::Value GroupObject(const std::string& id, const RoomState& room) {
-  Json::Value v(Json::objectValue);
-  v["group_base_info_group_id"] = id;
-  v["group_base_info_group_name"] = room.name;
-  v["group_base_info_group_type"] = 0;
-  v["group_base_info_face_url"] = "";
-  v["group_base_info_owner_identifier"] = room.Owner();
-  v["group_base_info_member_num"] = static_cast<Json::UInt>(room.affiliations.size());
-  v["group_base_info_create_time"] = Json::UInt64(room.create_time);
-  return v;
+Json::Value RoomGroupObject(const std::string& id, const RoomState& room) {
+  return GroupBaseObject(FieldsOf(id, room));
 }
 
-Json::Value GroupTipElem(int tip_type, const std::string& group_id, const RoomState& room,
-                         const std::string& op_user, const std::vector<std::string>& users,
-                         uint64_t time) {
-  auto affiliation_of = [&room](const std::string& user) {
-    auto it = room.affiliations.find(user);
-    return it == room.affiliations.end() ? std::string("member") : it->second;
-  };
-  Json::Value e(Json::objectValue);
-  e["elem_type"] = kTIMElem_GroupTips;
-  e["group_tips_elem_tip_type"] = tip_type;
-  e["group_tips_elem_op_user"] = op_user;
-  e["group_tips_elem_group_name"] = room.name;
-  e["group_tips_elem_group_id"] = group_id;
-  e["group_tips_elem_time"] = Json::UInt64(time);
-  Json::Value user_array(Json::arrayValue), changed(Json::arrayValue),
-      changed_members(Json::arrayValue);
-  for (const auto& user : users) {
-    user_array.append(user);
-    changed.append(Brief(user));
-    changed_members.append(MemberObject(user, affiliation_of(user)));
-  }
-  e["group_tips_elem_user_array"] = user_array;
-  e["group_tips_elem_group_change_info_array"] = Json::Value(Json::arrayValue);
-  e["group_tips_elem_member_change_info_array"] = Json::Value(Json::arrayValue);
-  e["group_tips_elem_op_user_info"] = Brief(op_user);
-  e["group_tips_elem_changed_user_info_array"] = changed;
-  e["group_tips_elem_op_group_memberinfo"] = op_user.empty()
-                                                 ? Json::Value(Json::objectValue)
-                                                 : MemberObject(op_user, affiliation_of(op_user));
-  e["group_tips_elem_changed_group_memberinfo_array"] = changed_members;
-  e["group_tips_elem_member_num"] = static_cast<Json::UInt>(room.affiliations.size());
-  e["group_tips_elem_platform"] = "";
+Json::Value RoomTipElem(int tip_type, const std::string& group_id, const RoomState& room,
+                        const std::string& op_user, const std::vector<std::string>& users,
+                        uint64_t time) {
+  return GroupTipElem(tip_type, FieldsOf(group_id, room), op_user, users, time, Brief,
+                      [&room](const std::string& user) {
+                        auto it = room.affiliations.find(user);
+                        if (it == room.affiliations.end()) return Json::Value();
+                        return RoomMemberObject(user, it->second);
+                      });
+}
+
+Json::Value RoomChangeTipElem(const std::string& group_id, const RoomState& room,
+                              const std::string& op_user, int flag, const std::string& value,
+                              uint64_t time) {
+  Json::Value e = RoomTipElem(kTIMGroupTip_InfoChange, group_id, room, op_user, {}, time);
+  e["group_tips_elem_group_change_info_array"].append(GroupChangeInfo(flag, value));
   return e;
 }
 
-Json::Value GroupChangeTipElem(const std::string& group_id, const RoomState& room,
-                               const std::string& op_user, int flag, const std::string& value,
-                               uint64_t time) {
-  Json::Value e = GroupTipElem(kTIMGroupTip_InfoChange, group_id, room, op_user, {}, time);
-  Json::Value change(Json::objectValue);
-  change["group_tips_group_change_info_flag"] = flag;
-  change["group_tips_group_change_info_value"] = value;
-  change["group_tips_group_change_info_key"] = "";
-  e["group_tips_elem_group_change_info_array"].append(change);
-  return e;
-}
-
-Json::Value GroupReportElem(int report_type, const std::string& group_id, const std::string& name,
-                            const std::string& op_user) {
-  Json::Value e(Json::objectValue);
-  e["elem_type"] = kTIMElem_GroupReport;
-  e["group_report_elem_report_type"] = report_type;
-  e["group_report_elem_group_id"] = group_id;
-  e["group_report_elem_group_name"] = name;
-  e["group_report_elem_op_user"] = op_user;
-  e["group_report_elem_op_user_info"] = Brief(op_user);
-  return e;
+Json::Value RoomReportElem(int report_type, const std::string& group_id, const std::string& name,
+                           const std::string& op_user) {
+  return GroupReportElem(report_type, group_id, name, op_user, Brief(op_user));
 }
 
 }  // namespace imsdk::xmpp

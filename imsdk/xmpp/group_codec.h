@@ -58,18 +58,18 @@ Stanza FetchBookmarksIq(xmpp_ctx_t* ctx);
 // The C API's error code for a failed room request (null: no answer).
 int GroupFailureCode(xmpp_stanza_t* reply);
 
-// The C API's objects.
+// The C API's objects for rooms (through the builders every backend shares).
 int MemberRole(const std::string& affiliation);
-Json::Value GroupObject(const std::string& id, const RoomState& room);
-Json::Value MemberObject(const std::string& user, const std::string& affiliation);
-Json::Value GroupTipElem(int tip_type, const std::string& group_id, const RoomState& room,
-                         const std::string& op_user, const std::vector<std::string>& users,
-                         uint64_t time);
+Json::Value RoomGroupObject(const std::string& id, const RoomState& room);
+Json::Value RoomMemberObject(const std::string& user, const std::string& affiliation);
+Json::Value RoomTipElem(int tip_type, const std::string& group_id, const RoomState& room,
+                        const std::string& op_user, const std::vector<std::string>& users,
+                        uint64_t time);
 // A tip of type 6 with one change (flag 1 name, 5 owner).
-Json::Value GroupChangeTipElem(const std::string& group_id, const RoomState& room,
-                               const std::string& op_user, int flag, const std::string& value,
-                               uint64_t time);
-Json::Value GroupReportElem(int report_type, const std::string& group_id, const std::string& name,
-                            const std::string& op_user);
+Json::Value RoomChangeTipElem(const std::string& group_id, const RoomState& room,
+                              const std::string& op_user, int flag, const std::string& value,
+                              uint64_t time);
+Json::Value RoomReportElem(int report_type, const std::string& group_id, const std::string& name,
+                           const std::string& op_user);
 
 }  // namespace imsdk::xmpp

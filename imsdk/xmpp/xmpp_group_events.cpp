@@ -59,7 +59,7 @@ void XmppBackend::OnRoomPresence(xmpp_stanza_t* stanza) {
     if (ChildOf(x, "destroy") != nullptr) {
       const std::string owner = room->second.Owner();
       PostGroupNotice(group, owner,
-                      GroupReportElem(kTIMGroupReport_Disband, group, room->second.name, owner));
+                      RoomReportElem(kTIMGroupReport_Disband, group, room->second.name, owner));
       ForgetRoom(group);
     } else if (codes.count("321") > 0 || codes.count("301") > 0) {
       // Without an actor the membership was given up (our own quit).
@@ -96,7 +96,7 @@ bool XmppBackend::OnRoomNotice(xmpp_stanza_t* stanza) {
       room->second.name = name;
       PublishBookmark(group);
       const std::string owner = room->second.Owner();
-      PostGroupNotice(group, owner, GroupChangeTipElem(group, room->second, owner, 1, name, Now()));
+      PostGroupNotice(group, owner, RoomChangeTipElem(group, room->second, owner, 1, name, Now()));
     });
   }
   // An affiliation change of someone not in the room.
@@ -125,9 +125,8 @@ void XmppBackend::OnInvitation(const std::string& group, const std::string& invi
       return;
     }
     PublishBookmark(group);
-    PostGroupNotice(
-        group, inviter,
-        GroupTipElem(kTIMGroupTip_Invite, group, room->second, inviter, {user_}, Now()));
+    PostGroupNotice(group, inviter,
+                    RoomTipElem(kTIMGroupTip_Invite, group, room->second, inviter, {user_}, Now()));
   });
 }
 
@@ -149,13 +148,13 @@ void XmppBackend::ApplyAffiliation(const std::string& group, const std::string& 
   }
   if (before == "none") {
     PostGroupNotice(group, actor,
-                    GroupTipElem(kTIMGroupTip_Invite, group, room->second, actor, {user}, Now()));
+                    RoomTipElem(kTIMGroupTip_Invite, group, room->second, actor, {user}, Now()));
   } else if (!member_now) {
     const int tip = actor == user ? kTIMGroupTip_Quit : kTIMGroupTip_Kick;
-    PostGroupNotice(group, actor, GroupTipElem(tip, group, room->second, actor, {user}, Now()));
+    PostGroupNotice(group, actor, RoomTipElem(tip, group, room->second, actor, {user}, Now()));
     if (user == user_) ForgetRoom(group);
   } else if (affiliation == "owner") {
-    PostGroupNotice(group, actor, GroupChangeTipElem(group, room->second, actor, 5, user, Now()));
+    PostGroupNotice(group, actor, RoomChangeTipElem(group, room->second, actor, 5, user, Now()));
   }
 }
 

@@ -93,8 +93,8 @@ void XmppBackend::JoinRoom(const std::string& group, std::function<void(int code
                     if (code == TIM_ERR_GROUP_NOT_FOUND) {
                       // Disbanded while we were away.
                       PostGroupNotice(group, room->second.Owner(),
-                                      GroupReportElem(kTIMGroupReport_Disband, group,
-                                                      room->second.name, room->second.Owner()));
+                                      RoomReportElem(kTIMGroupReport_Disband, group,
+                                                     room->second.name, room->second.Owner()));
                       ForgetRoom(group);
                     }
                     return then(code);
@@ -158,7 +158,7 @@ void XmppBackend::SetAffiliations(const std::string& group,
 int XmppBackend::GetJoinedGroups(ResultFn done) {
   return WhenSignedIn([this, done] {
     Json::Value list(Json::arrayValue);
-    for (const auto& [id, room] : rooms_) list.append(GroupObject(id, room));
+    for (const auto& [id, room] : rooms_) list.append(RoomGroupObject(id, room));
     done(TIM_SUCC, "", WriteJson(list));
   });
 }
@@ -182,10 +182,10 @@ void XmppBackend::CollectGroupInfos(std::vector<std::string> wanted, size_t i,
   RefreshMembers(group, [this, wanted, i, out, done](int) {
     auto room = rooms_.find(wanted[i]);
     if (room != rooms_.end()) {
-      Json::Value value = GroupObject(wanted[i], room->second);
+      Json::Value value = RoomGroupObject(wanted[i], room->second);
       value["group_base_info_member_array"] = Json::Value(Json::arrayValue);
       for (const auto& [user, affiliation] : room->second.affiliations) {
-        value["group_base_info_member_array"].append(MemberObject(user, affiliation));
+        value["group_base_info_member_array"].append(RoomMemberObject(user, affiliation));
       }
       out->append(value);
     }
@@ -208,7 +208,7 @@ int XmppBackend::GetMembers(const Json::Value& param, ResultFn done) {
       result["group_get_member_info_list_result_info_array"] = Json::Value(Json::arrayValue);
       for (const auto& [user, affiliation] : room->second.affiliations) {
         result["group_get_member_info_list_result_info_array"].append(
-            MemberObject(user, affiliation));
+            RoomMemberObject(user, affiliation));
       }
       done(TIM_SUCC, "", WriteJson(result));
     });
@@ -252,7 +252,7 @@ int XmppBackend::CreateGroup(const Json::Value& param, ResultFn done) {
         }
         PublishBookmark(id);
         PostGroupNotice(id, user_,
-                        GroupTipElem(kTIMGroupTip_Invite, id, room->second, user_, {user_}, Now()));
+                        RoomTipElem(kTIMGroupTip_Invite, id, room->second, user_, {user_}, Now()));
         for (const auto& invitee : invitees) {
           if (invitee == user_ || !IsValidLocalPart(invitee)) continue;
           link_->Send(InvitationMessage(link_->ctx(), RoomJid(id), JidOf(invitee), link_->NewId()));

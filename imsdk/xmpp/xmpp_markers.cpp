@@ -1,5 +1,6 @@
 // Read markers (XEP-0333) for the read reports, and retractions (XEP-0424)
 // arriving as the revoke callback.
+#include "imsdk/api_objects.h"
 #include "imsdk/im_sdk.h"
 #include "imsdk/json_util.h"
 #include "imsdk/xmpp/xmpp_backend.h"
@@ -65,17 +66,8 @@ bool XmppBackend::OnMarkerOrRetraction(xmpp_stanza_t* stanza, const std::string&
     return true;
   }
   FlushIncoming();  // the message before its retraction
-  Json::Value locator(Json::objectValue);
-  locator["message_locator_conv_id"] = conv_id;
-  locator["message_locator_conv_type"] = conv_type;
-  locator["message_locator_is_revoked"] = true;
-  locator["message_locator_time"] = Json::UInt64(store_.MessageTime(unique_id));
-  locator["message_locator_seq"] = 0;
-  locator["message_locator_is_self"] = false;
-  locator["message_locator_rand"] = 0;
-  locator["message_locator_unique_id"] = Json::UInt64(unique_id);
   Json::Value array(Json::arrayValue);
-  array.append(locator);
+  array.append(RevokedLocator(conv_id, conv_type, store_.MessageTime(unique_id), unique_id));
   Emit(Event{EventKind::kRevoked, WriteJson(array)});
   return true;
 }
