@@ -25,12 +25,7 @@ TEST_F(XmppFileTest, FilesAndPicturesTravelBothWaysByteForByte) {
   ASSERT_EQ(SignIn("quinn").code, TIM_SUCC);
   auto ruth = StartPeer("ruth");
 
-  Json::Value msg;
-  msg["message_elem_array"][0]["elem_type"] = kTIMElem_File;
-  msg["message_elem_array"][0]["file_elem_file_path"] = dir + "/plan view.dwg";
-  msg["message_elem_array"][0]["file_elem_file_name"] = "plan view.dwg";
-  msg["message_elem_array"][1]["elem_type"] = kTIMElem_Image;
-  msg["message_elem_array"][1]["image_elem_orig_path"] = dir + "/site.png";
+  const Json::Value msg = FileAndPictureMessage(dir + "/plan view.dwg", dir + "/site.png");
   ASSERT_EQ(TIMMsgSendNewMsg("ruth", kTIMConv_C2C, Write(msg).c_str(), OnResult, Tag("send")),
             TIM_SUCC);
   Record sent = rec.Result("send");

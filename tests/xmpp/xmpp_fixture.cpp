@@ -32,6 +32,17 @@ std::string ReadFile(const std::string& path) {
   return all.str();
 }
 
+Json::Value FileAndPictureMessage(const std::string& file_path, const std::string& picture_path) {
+  Json::Value msg;
+  msg["message_elem_array"][0]["elem_type"] = kTIMElem_File;
+  msg["message_elem_array"][0]["file_elem_file_path"] = file_path;
+  msg["message_elem_array"][0]["file_elem_file_name"] =
+      std::filesystem::path(file_path).filename().string();
+  msg["message_elem_array"][1]["elem_type"] = kTIMElem_Image;
+  msg["message_elem_array"][1]["image_elem_orig_path"] = picture_path;
+  return msg;
+}
+
 ProsodyServer& Server() {
   static ProsodyServer server;
   if (!server.running() && server.folder().empty()) server.Start(kAccounts);

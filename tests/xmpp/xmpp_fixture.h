@@ -23,6 +23,8 @@ ProsodyServer& Server();
 std::string Bytes(size_t size, unsigned seed);
 void WriteFile(const std::string& path, const std::string& bytes);
 std::string ReadFile(const std::string& path);
+// A message of a file element and a picture element, each from a local file.
+Json::Value FileAndPictureMessage(const std::string& file_path, const std::string& picture_path);
 
 class XmppTest : public ::testing::Test {
  protected:

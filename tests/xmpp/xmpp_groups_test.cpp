@@ -64,6 +64,25 @@ class XmppGroupTest : public XmppTest {
     send["body"] = text;
     peer.Command(send);
   }
+  // Said while we are away: waits until the room has archived it (the
+  // peer sees its own message come back).
+  void SayWhileAway(PeerProcess& peer, const std::string& group, const std::string& text) {
+    SayInRoom(peer, group, text);
+    ASSERT_FALSE(peer.WaitFor([&](const Json::Value& e) {
+                       return e["event"] == "message" && e["body"] == text;
+                     })
+                     .isNull());
+  }
+  // How often each text came to the new-message callback so far.
+  std::map<std::string, int> TextsReceived() {
+    std::map<std::string, int> times;
+    for (const auto& r : rec.WaitFor("new_msg", rec.Count("new_msg"))) {
+      for (const auto& m : Parse(r.json)) {
+        ++times[m["message_elem_array"][0]["text_elem_content"].asString()];
+      }
+    }
+    return times;
+  }
   Json::Value WaitForGroupText(const std::string& group, const std::string& text) {
     return WaitForRecord("new_msg", [&](const Json::Value& m) {
       return m["message_conv_type"] == kTIMConv_Group && m["message_conv_id"] == group &&
@@ -199,47 +218,26 @@ TEST_F(XmppGroupTest, WhatWasSaidWhileAwayIsCaughtUpOnceAtSignInAndDisbandingEnd
   ASSERT_FALSE(WaitForGroupText("site-visit", "before").isNull());
   ASSERT_EQ(SignOut().code, TIM_SUCC);
 
-  SayInRoom(*mike, "site-visit", "while away");
-  // Said once the room has archived it: mike sees its own message come back.
-  ASSERT_FALSE(mike->WaitFor([](const Json::Value& e) {
-                     return e["event"] == "message" && e["body"] == "while away";
-                   })
-                   .isNull());
+  SayWhileAway(*mike, "site-visit", "while away");
   rec.Clear();
   ASSERT_EQ(SignIn("lena").code, TIM_SUCC);
   ASSERT_EQ(JoinedGroups().size(), 1u);
   ASSERT_FALSE(WaitForGroupText("site-visit", "while away").isNull());
   SayInRoom(*mike, "site-visit", "after");
   ASSERT_FALSE(WaitForGroupText("site-visit", "after").isNull());
-  int seen = 0;
-  for (const auto& r : rec.WaitFor("new_msg", rec.Count("new_msg"))) {
-    for (const auto& m : Parse(r.json)) {
-      if (m["message_elem_array"][0]["text_elem_content"] == "before") ++seen;
-    }
-  }
-  EXPECT_EQ(seen, 0) << "a message seen before came again";
+  EXPECT_EQ(TextsReceived().count("before"), 0u) << "a message seen before came again";
 
   // The room's archive forgot the last message seen there: what was missed
   // arrives by time, and nothing twice.
   ASSERT_EQ(SignOut().code, TIM_SUCC);
   ASSERT_TRUE(ChangeStoredSetting("lena", "room_last_archive_id:site-visit", "forgotten"));
-  SayInRoom(*mike, "site-visit", "while forgotten");
-  ASSERT_FALSE(mike->WaitFor([](const Json::Value& e) {
-                     return e["event"] == "message" && e["body"] == "while forgotten";
-                   })
-                   .isNull());
+  SayWhileAway(*mike, "site-visit", "while forgotten");
   rec.Clear();
   ASSERT_EQ(SignIn("lena").code, TIM_SUCC);
   ASSERT_FALSE(WaitForGroupText("site-visit", "while forgotten").isNull());
   SayInRoom(*mike, "site-visit", "last");
   ASSERT_FALSE(WaitForGroupText("site-visit", "last").isNull());
-  std::map<std::string, int> times;
-  for (const auto& r : rec.WaitFor("new_msg", rec.Count("new_msg"))) {
-    for (const auto& m : Parse(r.json)) {
-      ++times[m["message_elem_array"][0]["text_elem_content"].asString()];
-    }
-  }
-  EXPECT_EQ(times, (std::map<std::string, int>{{"while forgotten", 1}, {"last", 1}}));
+  EXPECT_EQ(TextsReceived(), (std::map<std::string, int>{{"while forgotten", 1}, {"last", 1}}));
 
   ASSERT_EQ(
       Request("disband", [](void* tag) { return TIMGroupDelete("site-visit", OnResult, tag); })
@@ -306,12 +304,7 @@ TEST_F(XmppGroupTest, LaterMembersRenamingFilesAndQuitting) {
   const std::string drawing = Bytes(90 * 1024, 5), picture = Bytes(30 * 1024, 6);
   WriteFile(dir + "/section.dwg", drawing);
   WriteFile(dir + "/facade.png", picture);
-  Json::Value msg;
-  msg["message_elem_array"][0]["elem_type"] = kTIMElem_File;
-  msg["message_elem_array"][0]["file_elem_file_path"] = dir + "/section.dwg";
-  msg["message_elem_array"][0]["file_elem_file_name"] = "section.dwg";
-  msg["message_elem_array"][1]["elem_type"] = kTIMElem_Image;
-  msg["message_elem_array"][1]["image_elem_orig_path"] = dir + "/facade.png";
+  const Json::Value msg = FileAndPictureMessage(dir + "/section.dwg", dir + "/facade.png");
   Record sent = Request("send files", [&msg](void* tag) {
     return TIMMsgSendNewMsg("survey", kTIMConv_Group, Write(msg).c_str(), OnResult, tag);
   });
