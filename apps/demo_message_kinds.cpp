@@ -63,8 +63,17 @@ std::string NoticePayload() {
   return Compact(payload);
 }
 
-// A small floor plan to send as a picture.
-std::string MakePicture(const std::string& dataRoot) {
+std::string MakeFile(const std::string& dataRoot) {
+  std::string path = dataRoot + "/设计说明.pdf";
+  QFile file(QString::fromStdString(path));
+  if (!file.open(QIODevice::WriteOnly)) return std::string();
+  file.write(QByteArray(38 * 1024, 'x'));
+  return path;
+}
+
+}  // namespace
+
+std::string MakeFloorPlanPicture(const std::string& dataRoot) {
   QImage image(320, 200, QImage::Format_RGB32);
   image.fill(QColor(0xF4, 0xF1, 0xE8));
   QPainter p(&image);
@@ -76,16 +85,6 @@ std::string MakePicture(const std::string& dataRoot) {
   std::string path = dataRoot + "/一层平面图.png";
   return image.save(QString::fromStdString(path)) ? path : std::string();
 }
-
-std::string MakeFile(const std::string& dataRoot) {
-  std::string path = dataRoot + "/设计说明.pdf";
-  QFile file(QString::fromStdString(path));
-  if (!file.open(QIODevice::WriteOnly)) return std::string();
-  file.write(QByteArray(38 * 1024, 'x'));
-  return path;
-}
-
-}  // namespace
 
 std::string ShowEveryMessageKind(const std::string& dataRoot) {
   QWidget* window = FindChatWindow();
@@ -104,7 +103,7 @@ std::string ShowEveryMessageKind(const std::string& dataRoot) {
   const int before = view->model()->rowCount();
 
   imsdk::EngineControl& engine = imsdk::EngineControl::Instance();
-  std::string picture = MakePicture(dataRoot);
+  std::string picture = MakeFloorPlanPicture(dataRoot);
   std::string file = MakeFile(dataRoot);
   int failures = 0;
   failures += engine.SendText(kAnswering, kTIMConv_C2C, kUser, "图纸收到[微笑]，辛苦了[鼓掌]") != 0;

@@ -13,4 +13,8 @@ namespace demo {
 // the screenshot's path, or "" when a step failed (it says which).
 std::string ShowEveryMessageKind(const std::string& dataRoot);
 
+// Draws a small floor plan into "一层平面图.png" in `dataRoot`; its path,
+// or "" when it could not be saved.
+std::string MakeFloorPlanPicture(const std::string& dataRoot);
+
 }  // namespace demo

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "apps/demo_input.h"
+#include "apps/demo_message_kinds.h"
 #include "apps/demo_world.h"
 #include "platform/strings.h"
 
@@ -14,9 +15,38 @@ namespace demo {
 namespace {
 
 constexpr const char* kConfigFile = "/imsdk.json";
+// The group's room: its id is the group id.
+constexpr const char* kGroupId = "design-review";
+constexpr const char* kGroupName = "图纸评审组";
 
 std::string Jid(const char* user) {
   return std::string(user) + "@" + xmpp_test::ProsodyServer::domain();
+}
+
+std::string RoomJid() {
+  return std::string(kGroupId) + "@conference." + xmpp_test::ProsodyServer::domain();
+}
+
+// Signs `user` in with the nick others see; null (with the reason on
+// stderr) when it failed.
+std::unique_ptr<xmpp_test::PeerProcess> SignInPeer(const xmpp_test::ProsodyServer& server,
+                                                   const char* user, const char* nick) {
+  auto peer = std::make_unique<xmpp_test::PeerProcess>(server, user, "demo");
+  Json::Value vcard;
+  vcard["cmd"] = "vcard";
+  vcard["nick"] = nick;
+  if (peer->ready()) peer->Command(vcard);
+  if (!peer->ready() || peer->WaitForEvent("vcard").isNull()) {
+    std::fprintf(stderr, "demo: %s's XMPP client did not sign in\n", nick);
+    return nullptr;
+  }
+  return peer;
+}
+
+// Events of `peer` saying the occupant `nick` is in the group's room.
+bool InRoom(const Json::Value& event, const char* nick) {
+  return event["event"] == "presence" && event["type"] == "available" &&
+         event["from_full"].asString() == RoomJid() + "/" + nick;
 }
 
 }  // namespace
@@ -29,13 +59,37 @@ bool XmppWorld::Start(const std::string& sdkConfigFolder) {
   if (!server_.Start({kUser, kAnswering, kQuiet, kStranger})) return false;
   server_.WriteSdkConfig(sdkConfigFolder);
   configFolder_ = sdkConfigFolder;
-  answering_ = std::make_unique<xmpp_test::PeerProcess>(server_, kAnswering, "demo");
-  if (!answering_->ready()) {
-    std::fprintf(stderr, "demo: 王工's XMPP client did not sign in\n");
+  answering_ = SignInPeer(server_, kAnswering, "王工");
+  quiet_ = SignInPeer(server_, kQuiet, "李工");
+  if (!answering_ || !quiet_) return false;
+  // 王工's room: the user is invited (the invitation waits for the sign-in).
+  Json::Value room;
+  room["cmd"] = "make_room";
+  room["room"] = RoomJid();
+  room["name"] = kGroupName;
+  room["nick"] = kAnswering;
+  room["members"].append(Jid(kQuiet));
+  room["members"].append(Jid(kUser));
+  answering_->Command(room);
+  if (answering_->WaitForEvent("room").isNull()) {
+    std::fprintf(stderr, "demo: 王工 could not make the group's room\n");
     return false;
   }
-  std::printf("Prosody on 127.0.0.1:%d (data in %s); 王工 (%s) signed in with slixmpp.\n",
-              server_.c2s_port(), server_.folder().c_str(), kAnswering);
+  Json::Value enter;
+  enter["cmd"] = "raw";
+  enter["data"] = "<presence to='" + RoomJid() + "/" + kQuiet +
+                  "'><x xmlns='http://jabber.org/protocol/muc'><history maxstanzas='0'/></x>"
+                  "</presence>";
+  quiet_->Command(enter);
+  if (quiet_->WaitFor([](const Json::Value& e) { return InRoom(e, kQuiet); }).isNull()) {
+    std::fprintf(stderr, "demo: 李工 could not enter the group's room\n");
+    return false;
+  }
+  std::printf(
+      "Prosody on 127.0.0.1:%d (data in %s); 王工 (%s) and 李工 (%s) signed in with slixmpp; "
+      "group %s is the room %s.\n",
+      server_.c2s_port(), server_.folder().c_str(), kAnswering, kQuiet, kGroupName,
+      RoomJid().c_str());
   return true;
 }
 
@@ -59,6 +113,32 @@ int XmppWorld::AnswerNewMessages() {
     ++answered;
   }
   return answered;
+}
+
+bool XmppWorld::UserInGroup() const {
+  for (const auto& event : answering_->Events()) {
+    if (InRoom(event, kUser)) return true;
+  }
+  return false;
+}
+
+void XmppWorld::SayInGroup(bool quiet, const std::string& text) {
+  Json::Value send;
+  send["cmd"] = "send";
+  send["to"] = RoomJid();
+  send["type"] = "groupchat";
+  send["body"] = text;
+  (quiet ? quiet_ : answering_)->Command(send);
+}
+
+void XmppWorld::ShareInGroup(const std::string& path) {
+  Json::Value upload;
+  upload["cmd"] = "upload_send";
+  upload["to"] = RoomJid();
+  upload["type"] = "groupchat";
+  upload["upload"] = std::string("upload.") + xmpp_test::ProsodyServer::domain();
+  upload["path"] = path;
+  quiet_->Command(upload);
 }
 
 void RemoveServerConfig(const std::string& sdkConfigFolder) {
@@ -106,7 +186,34 @@ ScriptResult RunXmppScript(XmppWorld& world, const std::string& dataRoot) {
   }
   std::printf("王工 -> 张明: %s%s\n", kReplyPrefix, answer.c_str());
   PumpUntil([] { return false; }, 300);  // the list and the view redraw
-  result.ok = SaveShot(window, dataRoot + "/chat-window-xmpp.png", result.screenshots);
+  if (!SaveShot(window, dataRoot + "/chat-window-xmpp.png", result.screenshots)) return result;
+
+  // The group: the invitation waited for the sign-in; the SDK entered the room.
+  if (!PumpUntil([&] { return world.UserInGroup(); }, 15000)) {
+    std::printf("The user's client did not enter the group's room.\n");
+    return result;
+  }
+  const int inGroup = StoredMessageCount(db);
+  const std::string welcome = "大家好，今天评审一层平面图。";
+  const std::string marked = "收到，我把标注改好了，平面图发在群里。";
+  const std::string picture = MakeFloorPlanPicture(dataRoot);
+  if (picture.empty()) return result;
+  world.SayInGroup(false, welcome);
+  std::printf("王工 -> 图纸评审组: %s\n", welcome.c_str());
+  world.SayInGroup(true, marked);
+  std::printf("李工 -> 图纸评审组: %s\n", marked.c_str());
+  world.ShareInGroup(picture);
+  std::printf("李工 -> 图纸评审组: the picture 一层平面图.png (uploaded to the server)\n");
+  if (!PumpUntil([&] { return StoredMessageCount(db) >= inGroup + 3; }, 15000)) {
+    std::printf("The group's messages did not reach Chat.db.\n");
+    return result;
+  }
+  if (!OpenConversationNamed(window, QString::fromUtf8("图纸评审组"))) {
+    std::printf("The group is not in the conversation list.\n");
+    return result;
+  }
+  PumpUntil([] { return false; }, 1500);  // the picture downloads, the view redraws
+  result.ok = SaveShot(window, dataRoot + "/group-chat-xmpp.png", result.screenshots);
   std::printf("Chat.db holds %d messages.\n", StoredMessageCount(db));
   return result;
 }

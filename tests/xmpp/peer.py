@@ -12,10 +12,14 @@ line on stdout:
   {"cmd": "upload_send", "to": JID, "path": FILE, "upload": JID, "type": T?}
       uploads FILE (XEP-0363) and sends its URL as body and out-of-band data
   {"cmd": "fetch", "url": URL, "path": FILE}        GETs URL into FILE
+  {"cmd": "vcard", "nick": NICK}                     publishes its vCard with NICK
+  {"cmd": "make_room", "room": JID, "name": NAME, "members": [JID], "nick": NICK}
+      creates a members-only persistent room, enters it as NICK, makes
+      `members` members and invites them
   {"cmd": "quit"}
 Events: ready, message (from, body, xml), presence (from, from_full, type, status, xml),
 roster (jid, subscription), sent (count), uploaded (url), fetched (path, status),
-disconnected.
+vcard, room (room), disconnected.
 """
 import asyncio
 import json
@@ -116,8 +120,55 @@ class Peer(slixmpp.ClientXMPP):
             asyncio.ensure_future(self.upload_send(cmd))
         elif kind == "fetch":
             asyncio.ensure_future(self.fetch(cmd))
+        elif kind == "vcard":
+            asyncio.ensure_future(self.set_vcard(cmd))
+        elif kind == "make_room":
+            asyncio.ensure_future(self.make_room(cmd))
         elif kind == "quit":
             self.disconnect()
+
+    async def set_vcard(self, cmd):
+        try:
+            iq = self.make_iq_set()
+            card = ET.Element("{vcard-temp}vCard")
+            ET.SubElement(card, "{vcard-temp}NICKNAME").text = cmd["nick"]
+            ET.SubElement(card, "{vcard-temp}FN").text = cmd["nick"]
+            iq.append(card)
+            await iq.send()
+            emit(event="vcard")
+        except Exception as error:
+            emit(event="error", text="vcard: %s" % error)
+
+    async def make_room(self, cmd):
+        room, muc = cmd["room"], "http://jabber.org/protocol/muc"
+        try:
+            # The room handles one client's stanzas in order: entered (and
+            # made, we its owner) before the configuration arrives.
+            self.send_raw("<presence to='%s/%s'><x xmlns='%s'><history maxstanzas='0'/></x>"
+                          "</presence>" % (room, cmd["nick"], muc))
+            fields = {"FORM_TYPE": muc + "#roomconfig", "muc#roomconfig_roomname": cmd["name"],
+                      "muc#roomconfig_persistentroom": "1", "muc#roomconfig_membersonly": "1",
+                      "muc#roomconfig_publicroom": "0", "muc#roomconfig_whois": "anyone",
+                      "muc#roomconfig_enablearchiving": "1"}
+            form = ET.Element("{jabber:x:data}x", type="submit")
+            for var, value in fields.items():
+                field = ET.SubElement(form, "{jabber:x:data}field", var=var)
+                ET.SubElement(field, "{jabber:x:data}value").text = value
+            iq = self.make_iq_set(ito=room)
+            ET.SubElement(iq.xml, "{%s#owner}query" % muc).append(form)
+            await iq.send()
+            for member in cmd.get("members", []):
+                iq = self.make_iq_set(ito=room)
+                query = ET.SubElement(iq.xml, "{%s#admin}query" % muc)
+                ET.SubElement(query, "{%s#admin}item" % muc, jid=member, affiliation="member")
+                await iq.send()
+                msg = self.make_message(mto=room)
+                x = ET.SubElement(msg.xml, "{%s#user}x" % muc)
+                ET.SubElement(x, "{%s#user}invite" % muc, to=member)
+                msg.send()
+            emit(event="room", room=room)
+        except Exception as error:
+            emit(event="error", text="make_room: %s" % error)
 
 
     async def upload_send(self, cmd):
