@@ -204,6 +204,9 @@ bool XmppBackend::OnArchiveResult(xmpp_stanza_t* stanza) {
   if (!from.empty() && from != (room ? RoomJid(query.peer) : self_jid_)) return true;
   xmpp_stanza_t* forwarded = ChildOf(result, "forwarded", ns::kForward);
   xmpp_stanza_t* inner = ChildOf(forwarded, "message");
+  // An invitation that came while we were away: having asked the archive,
+  // we get no offline copy of it.
+  if (query.catch_up && !room && OnRoomNotice(inner)) return true;
   if (IsMarkerOrRetraction(inner)) {
     // Replayed while catching up, as if live; never history of their own.
     const std::string sender = AttrOf(inner, "from");

@@ -373,6 +373,25 @@ TEST_F(XmppGroupTest, LaterMembersRenamingFilesAndQuitting) {
   ASSERT_EQ(SignOut().code, TIM_SUCC);
   ASSERT_EQ(SignIn("uma").code, TIM_SUCC);
   EXPECT_EQ(JoinedGroups().size(), 0u);
+
+  // Invited again while away, by a user who has written to us before: the
+  // sign-in catches up from the archive, which holds the invitation.
+  vera->Send("uma", "come back?");
+  ASSERT_FALSE(WaitForRecord("new_msg", [](const Json::Value& m) {
+                 return m["message_elem_array"][0]["text_elem_content"] == "come back?";
+               }).isNull());
+  ASSERT_EQ(SignOut().code, TIM_SUCC);
+  Json::Value invite;
+  invite["cmd"] = "raw";
+  invite["data"] = "<message to='" + RoomOf("survey") +
+                   "'><x xmlns='http://jabber.org/protocol/muc#user'><invite "
+                   "to='uma@localhost'/></x></message>";
+  vera->Command(invite);
+  SayWhileAway(*vera, "survey", "invited uma again");  // the room has handled the invitation
+  rec.Clear();
+  ASSERT_EQ(SignIn("uma").code, TIM_SUCC);
+  EXPECT_FALSE(WaitForTip(kTIMGroupTip_Invite, "uma").isNull());
+  EXPECT_EQ(JoinedGroups().size(), 1u);
   std::filesystem::remove_all(dir);
 }
 
