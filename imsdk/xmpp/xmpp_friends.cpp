@@ -501,6 +501,12 @@ int XmppBackend::GetProfiles(const Json::Value& param, ResultFn done) {
 
 int XmppBackend::ModifySelfProfile(const Json::Value& param, ResultFn done) {
   ParamReader reader(param);
+  // The vCard has no place this backend reads back for these.
+  for (const char* unkept :
+       {"user_profile_item_gender", "user_profile_item_birthday", "user_profile_item_location",
+        "user_profile_item_language", "user_profile_item_level", "user_profile_item_role"}) {
+    if (reader.Has(unkept)) return TIM_ERR_INVALID_PARAM;
+  }
   std::map<std::string, std::string> fields;  // vCard element -> value
   if (reader.Has("user_profile_item_nick_name")) {
     fields["NICKNAME"] = reader.String("user_profile_item_nick_name");

@@ -116,6 +116,11 @@ TEST_F(XmppTest, OwnProfileIsAVCardOthersCanRead) {
   auto set = rec.Result("set");
   ASSERT_EQ(set.code, TIM_SUCC) << set.json;
   EXPECT_EQ(Parse(set.json)["user_profile_nick_name"].asString(), "Bob 设计");
+  // What the vCard would not give back is refused, not dropped.
+  Json::Value unkept = change;
+  unkept["user_profile_item_gender"] = 1;
+  EXPECT_EQ(TIMProfileModifySelfUserProfile(Write(unkept).c_str(), OnResult, Tag("unkept")),
+            TIM_ERR_INVALID_PARAM);
 
   Json::Value query;
   query["friendship_getprofilelist_param_identifier_array"].append("bob");
