@@ -6,10 +6,10 @@
 #include <QDeadlineTimer>
 #include <QWidget>
 
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <optional>
 
 #include <json/json.h>
 
@@ -47,11 +47,11 @@ bool Shoot(QWidget* window, const std::string& path, std::vector<std::string>& s
   return true;
 }
 
-// How many of info1..info12 the newest custom row of `msgType` fills (the
-// columns default to ''), -1 when there is no such row.
-int StoredInfoColumns(const std::string& dbPath, int msgType) {
+// info1..info12 of the newest custom row of `msgType` as stored ('' for a
+// column the row does not use); empty when there is no such row.
+std::vector<std::string> StoredInfo(const std::string& dbPath, int msgType) {
   sqlite3* db = nullptr;
-  int filled = -1;
+  std::vector<std::string> info;
   if (sqlite3_open_v2(dbPath.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
     sqlite3_busy_timeout(db, 1000);
     const std::string sql =
@@ -61,13 +61,39 @@ int StoredInfoColumns(const std::string& dbPath, int msgType) {
     sqlite3_stmt* stmt = nullptr;
     if (sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr) == SQLITE_OK &&
         sqlite3_step(stmt) == SQLITE_ROW) {
-      filled = 0;
-      for (int i = 0; i < 12; ++i) filled += sqlite3_column_bytes(stmt, i) > 0 ? 1 : 0;
+      for (int i = 0; i < 12; ++i) {
+        const unsigned char* text = sqlite3_column_text(stmt, i);
+        info.emplace_back(text != nullptr ? reinterpret_cast<const char*>(text) : "");
+      }
     }
     sqlite3_finalize(stmt);
   }
   sqlite3_close_v2(db);
+  return info;
+}
+
+// How many leading info columns the row fills, when none after them is filled.
+int FilledInfoColumns(const std::vector<std::string>& info) {
+  int filled = 0;
+  while (filled < static_cast<int>(info.size()) && !info[filled].empty()) ++filled;
+  for (size_t i = filled; i < info.size(); ++i) {
+    if (!info[i].empty()) return -1;
+  }
   return filled;
+}
+
+uint64_t Number(const std::string& text) {
+  return text.find_first_not_of("0123456789") == std::string::npos && !text.empty()
+             ? std::stoull(text)
+             : 0;
+}
+
+// The stored drawing row: twelve columns, the space's id of the drawing
+// (info2) and the time of the send (info10), which a sent drawing carries.
+bool DrawingRowIsComplete(const std::vector<std::string>& info, int32_t spaceDrawingId) {
+  if (FilledInfoColumns(info) != 12) return false;
+  return spaceDrawingId > 0 && Number(info[1]) == static_cast<uint64_t>(spaceDrawingId) &&
+         Number(info[9]) > 0;
 }
 
 std::string Payload(int msgType, const Json::Value& data) {
@@ -89,7 +115,7 @@ void PeerJoinsSharedChat(host::local::LocalHost& host, const World& world, int32
   data["type"] = 0;
   data["instruct"] = 2;  // a member entered
   data["content"] = "王工 进入了共享聊图";
-  data["ts"] = Json::UInt64(std::time(nullptr));
+  data["ts"] = Json::UInt64(PayloadTimeNow());
   imsdk::EngineControl& engine = imsdk::EngineControl::Instance();
   engine.SendCustom(kAnswering, kTIMConv_Group, world.groupId, Payload(2, data));
   // His change to the drawing, synchronised to everyone in the session.
@@ -139,14 +165,22 @@ bool RunDrawingScript(host::local::LocalHost& host, const World& world, const st
       },
       false);
   host.SetUploadDelay(std::chrono::milliseconds(0));
-  if (!sent || !Pump([&] { return StoredInfoColumns(db, 1) >= 0; })) {
+  if (!sent || !Pump([&] { return !StoredInfo(db, 1).empty(); })) {
     Say("The drawing was not sent to the group.");
     return false;
   }
   Say("张明 -> 图纸评审组: the drawing " + std::string(kDrawingName) +
       " (uploaded to the group's cloud space" + (waitShot ? ", wait window shown" : "") + ").");
-  Say("Chat.db: the drawing message is stored with " + std::to_string(StoredInfoColumns(db, 1)) +
-      " info columns.");
+  const std::optional<host::local::SpaceDrawing> inSpace =
+      host.SpaceDrawingNamed(platform::Utf8ToUtf16(kDrawingName));
+  const std::vector<std::string> drawingRow = StoredInfo(db, 1);
+  if (!DrawingRowIsComplete(drawingRow, inSpace ? inSpace->drawingId : -1)) {
+    Say("Chat.db: the drawing row is incomplete (" + std::to_string(FilledInfoColumns(drawingRow)) +
+        " info columns, fileId '" + drawingRow.at(1) + "', ts '" + drawingRow.at(9) + "').");
+    return false;
+  }
+  Say("Chat.db: the drawing message is stored with 12 info columns (fileId " + drawingRow[1] +
+      ", ts " + drawingRow[9] + ").");
   Idle(300);
   if (!Shoot(chat, dataRoot + "/chat-drawing-sent.png", shots)) return false;
 
@@ -176,13 +210,18 @@ bool RunDrawingScript(host::local::LocalHost& host, const World& world, const st
       "; the chat window is in its compact layout.");
   PeerJoinsSharedChat(host, world, groupId);
   if (!Pump([&] { return !host.DrawingInfoUpdates().empty() && !host.SentSyncs().empty(); }) ||
-      !Pump([&] { return StoredInfoColumns(db, 2) >= 0; })) {
+      !Pump([&] { return !StoredInfo(db, 2).empty(); })) {
     Say("王工's shared-chat message did not reach the host and the store.");
     return false;
   }
   Say("王工 joined; his notice and his drawing change reached the host's drawing window.");
-  Say("Chat.db: the shared-chat message is stored with " +
-      std::to_string(StoredInfoColumns(db, 2)) + " info columns.");
+  const int sharedColumns = FilledInfoColumns(StoredInfo(db, 2));
+  if (sharedColumns != 7) {
+    Say("Chat.db: the shared-chat row fills " + std::to_string(sharedColumns) +
+        " info columns, not 7.");
+    return false;
+  }
+  Say("Chat.db: the shared-chat message is stored with 7 info columns.");
   Idle(400);
   QWidget* frame = ShownWindow("DemoHostFrame");
   if (!Shoot(chat, dataRoot + "/chat-shared-compact.png", shots) ||

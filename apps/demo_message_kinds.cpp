@@ -9,7 +9,6 @@
 #include <QScrollBar>
 
 #include <cstdio>
-#include <ctime>
 
 #include <json/json.h>
 
@@ -46,7 +45,7 @@ std::string DrawingPayload() {
   data["fromUserId"] = kAnswering;
   data["subType"] = 1;
   data["type"] = 0;
-  data["ts"] = Json::UInt64(std::time(nullptr));
+  data["ts"] = Json::UInt64(PayloadTimeNow());
   return Compact(payload);
 }
 
@@ -59,7 +58,7 @@ std::string NoticePayload() {
   data["subType"] = 2;
   data["type"] = 0;
   data["content"] = "王工 结束了图纸“一层平面图”的共享聊图";
-  data["ts"] = Json::UInt64(std::time(nullptr));
+  data["ts"] = Json::UInt64(PayloadTimeNow());
   return Compact(payload);
 }
 

@@ -20,8 +20,6 @@
 
 #include <json/json.h>
 
-#include <ctime>
-
 #include "apps/demo_dialogs.h"
 #include "apps/demo_drawings.h"
 #include "apps/demo_groups.h"
@@ -140,7 +138,7 @@ bool SendInSharedChat(host::local::LocalHost& host, const std::string& text) {
   payload["data"]["subType"] = 0;
   payload["data"]["type"] = 0;
   payload["data"]["content"] = text;
-  payload["data"]["ts"] = Json::UInt64(std::time(nullptr));
+  payload["data"]["ts"] = Json::UInt64(PayloadTimeNow());
   imsdk::EngineControl& engine = imsdk::EngineControl::Instance();
   size_t before = engine.MessageCount(kAnswering, kTIMConv_C2C, kUser);
   bool sent = host.SendDrawingMsgThroughModule(

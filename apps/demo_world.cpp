@@ -1,5 +1,7 @@
 #include "apps/demo_world.h"
 
+#include <chrono>
+
 #include "imsdk/engine_control.h"
 #include "platform/strings.h"
 
@@ -47,6 +49,12 @@ World SeedWorld(host::local::LocalHost& host) {
   engine.RequestFriend(kStranger, kUser, "我是赵工，想加您为好友", "账号查找");
   host.SignIn(std::stoi(kUser));
   return world;
+}
+
+uint64_t PayloadTimeNow() {
+  using namespace std::chrono;
+  return static_cast<uint64_t>(
+      duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count());
 }
 
 }  // namespace demo

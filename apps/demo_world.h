@@ -2,6 +2,7 @@
 // The demo's world: the chat engine plays the server and the other users,
 // the local host plays the drawing application's cloud services.
 
+#include <cstdint>
 #include <string>
 
 #include "host/local/local_host.h"
@@ -23,5 +24,9 @@ struct World {
 // friend request, in the engine and (accounts) in the local host. The group
 // reaches the local host through an EngineGroupLink, which the caller keeps.
 World SeedWorld(host::local::LocalHost& host);
+
+// The `ts` of a drawing payload sent now: milliseconds since 1970, as the
+// module writes it.
+uint64_t PayloadTimeNow();
 
 }  // namespace demo

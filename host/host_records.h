@@ -58,6 +58,12 @@ struct CloudGroupInfo {
 
 using CloudGroupList = std::vector<CloudGroupInfo>;
 
+// A drawing stored in a group's cloud space, as UploadSpaceFile reports it.
+struct SpaceFileRef {
+  int32_t drawingId = -1;  // its id in the space
+  WString drawingRef;      // what OpenCloudDrawing and the drawing messages take
+};
+
 // One drawing of a group's cloud space as the share tree lists it.
 struct ShareTreeDrawing {
   int32_t drawingId = -1;

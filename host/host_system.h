@@ -18,18 +18,19 @@ class HostCloudService {
   virtual void ReleaseShareTree(ShareTreeSelection* selection) = 0;
   virtual bool IsHostLoggedIn() = 0;
   // `fileName` in/out: looked up by name when given, else by `drawingId`,
-  // and filled with the name found; `drawingRef` receives the reference.
+  // and filled with the name found; `drawingRef` receives the reference and
+  // `drawingId` the id of the drawing found.
   virtual bool QuerySpaceFileByName(int32_t groupId, WString& fileName, WString& drawingRef,
-                                    int32_t folderId, int32_t drawingId) = 0;
+                                    int32_t folderId, int32_t& drawingId) = 0;
   // `errorCode` receives the host's reason on failure (406 or 6: gone).
   virtual bool OpenCloudDrawing(const char16_t* drawingRef, int32_t& errorCode) = 0;
   // `reserved` is always null from the module.
   virtual bool QuerySpaceFile(int32_t groupId, WString& drawingRef, const void* reserved,
                               int32_t folderId, int32_t drawingId) = 0;
-  // `drawingRef` receives the reference of the stored drawing; the three
-  // zero arguments are reserved.
+  // `stored` receives the id and the reference of the stored drawing; the
+  // three zero arguments are reserved.
   virtual bool UploadSpaceFile(int32_t reserved1, const char16_t* localPath,
-                               const char16_t* description, int32_t reserved2, WString& drawingRef,
+                               const char16_t* description, int32_t reserved2, SpaceFileRef& stored,
                                int32_t reserved3, int32_t groupId, int32_t folderId) = 0;
   virtual bool DownloadPicture(const char16_t* pictureUrl, const char16_t* localPath) = 0;
   virtual void PrepareAccountForChat(int32_t accountId) = 0;

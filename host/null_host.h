@@ -10,12 +10,12 @@ class NullCloudService final : public HostCloudService {
  public:
   void ReleaseShareTree(ShareTreeSelection*) override {}
   bool IsHostLoggedIn() override { return false; }
-  bool QuerySpaceFileByName(int32_t, WString&, WString&, int32_t, int32_t) override {
+  bool QuerySpaceFileByName(int32_t, WString&, WString&, int32_t, int32_t&) override {
     return false;
   }
   bool OpenCloudDrawing(const char16_t*, int32_t&) override { return false; }
   bool QuerySpaceFile(int32_t, WString&, const void*, int32_t, int32_t) override { return false; }
-  bool UploadSpaceFile(int32_t, const char16_t*, const char16_t*, int32_t, WString&, int32_t,
+  bool UploadSpaceFile(int32_t, const char16_t*, const char16_t*, int32_t, SpaceFileRef&, int32_t,
                        int32_t, int32_t) override {
     return false;
   }

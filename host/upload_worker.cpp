@@ -10,12 +10,26 @@ namespace {
 bool Upload(const UploadTask& task) {
   HostCloudService* cloud = AcquireCloudService("UploadSpaceFile  error ");
   if (cloud == nullptr) return false;
-  WString drawingRef;
-  return cloud->UploadSpaceFile(0, task.localPath.c_str(), u"description", 0, drawingRef, 0,
-                                task.groupId, task.folderId);
+  SpaceFileRef stored;
+  if (!cloud->UploadSpaceFile(0, task.localPath.c_str(), u"description", 0, stored, 0, task.groupId,
+                              task.folderId)) {
+    return false;
+  }
+  if (task.outcome) task.outcome->Set(stored);
+  return true;
 }
 
 }  // namespace
+
+void UploadOutcome::Set(const SpaceFileRef& stored) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  stored_ = stored;
+}
+
+std::optional<SpaceFileRef> UploadOutcome::Get() const {
+  std::lock_guard<std::mutex> lock(mutex_);
+  return stored_;
+}
 
 bool StartUploadWorker(std::unique_ptr<UploadTask> task) {
   // std::function needs a copyable callable: the task travels as shared.

@@ -66,7 +66,7 @@ bool CChatTools::OnSendFileElem(const WString& convId, uint32_t convType, const 
 bool CChatTools::OnSenddrawingFileElem(const WString& convId, uint32_t convType,
                                        const DrawingMsgStru& drawing, uint32_t placeholderLocalId) {
   EnterExitTrace trace("OnSenddrawingFileElem");
-  Json::Value payload = service::DrawingFilePayload(drawing, UserId());
+  Json::Value payload = service::DrawingFilePayload(drawing, UserId(), service::NowMilliseconds());
   MessageStru pending;
   pending.local_id = placeholderLocalId;
   if (SendMsg(convId, convType, OneElem(service::CustomElem(service::CompactText(payload))),
@@ -82,7 +82,7 @@ uint32_t CChatTools::SendFakeMsg(const WString& convId, uint32_t convType,
   platform::Trace("OnSendFileElem enter!!!!!!");
   const WString self = UserId();
   Json::Value message = service::MessageHeader(self, convId, convType, service::NowSeconds());
-  Json::Value payload = service::DrawingFilePayload(drawing, self);
+  Json::Value payload = service::DrawingFilePayload(drawing, self, service::NowMilliseconds());
   message["message_elem_array"] = OneElem(service::CustomElem(service::CompactText(payload)));
 
   MessageStru placeholder;

@@ -1,5 +1,6 @@
 #include "service/sending_json.h"
 
+#include <chrono>
 #include <ctime>
 
 #include "service/sdk_text.h"
@@ -8,6 +9,12 @@ namespace service {
 
 uint64_t NowSeconds() {
   return static_cast<uint64_t>(std::time(nullptr));
+}
+
+uint64_t NowMilliseconds() {
+  using namespace std::chrono;
+  return static_cast<uint64_t>(
+      duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count());
 }
 
 Json::Value MessageHeader(const WString& sender, const WString& convId, uint32_t convType,
@@ -22,7 +29,8 @@ Json::Value MessageHeader(const WString& sender, const WString& convId, uint32_t
   return message;
 }
 
-Json::Value DrawingFilePayload(const DrawingMsgStru& drawing, const WString& fromUserId) {
+Json::Value DrawingFilePayload(const DrawingMsgStru& drawing, const WString& fromUserId,
+                               uint64_t ts) {
   Json::Value data(Json::objectValue);
   data["fileId"] = drawing.fileId;
   data["fileMd5"] = Utf8(drawing.fileMd5);
@@ -33,6 +41,7 @@ Json::Value DrawingFilePayload(const DrawingMsgStru& drawing, const WString& fro
   data["fileType"] = Utf8(drawing.fileType);
   data["fromUserId"] = Utf8(drawing.fromUserId.empty() ? fromUserId : drawing.fromUserId);
   data["subType"] = kSentDrawingSubType;
+  data["ts"] = Json::UInt64(ts);
   data["type"] = drawing.type;
   Json::Value payload(Json::objectValue);
   payload["msgType"] = static_cast<uint32_t>(kDrawingMsgFile);

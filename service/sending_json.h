@@ -20,6 +20,9 @@ inline constexpr uint32_t kMessagePlatform = 0;
 inline constexpr uint32_t kSentDrawingSubType = 1;
 
 uint64_t NowSeconds();
+// A drawing payload's `ts`: milliseconds since 1970 (the payload's clock is
+// finer than the message header's seconds).
+uint64_t NowMilliseconds();
 
 // message_sender, message_client_time, message_server_time (both `now`),
 // message_conv_id, message_is_from_self (true), message_conv_type.
@@ -27,9 +30,10 @@ Json::Value MessageHeader(const WString& sender, const WString& convId, uint32_t
                           uint64_t now);
 
 // {"msgType": 1, "data": {fileId, fileMd5, fileName, filePath, fileRefId,
-// fileSize, fileType, fromUserId, subType, type}}. `fromUserId` stands in for
-// an empty drawing.fromUserId.
-Json::Value DrawingFilePayload(const DrawingMsgStru& drawing, const WString& fromUserId);
+// fileSize, fileType, fromUserId, subType, ts, type}}. `fromUserId` stands in
+// for an empty drawing.fromUserId.
+Json::Value DrawingFilePayload(const DrawingMsgStru& drawing, const WString& fromUserId,
+                               uint64_t ts);
 
 // elem_type 3 with `data` as custom_elem_data (UTF-8 text).
 Json::Value CustomElem(const std::string& data);

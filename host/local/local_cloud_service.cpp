@@ -65,7 +65,7 @@ bool LocalCloudService::IsHostLoggedIn() {
 
 bool LocalCloudService::QuerySpaceFileByName(int32_t groupId, WString& fileName,
                                              WString& drawingRef, int32_t folderId,
-                                             int32_t drawingId) {
+                                             int32_t& drawingId) {
   Lock lock(state_.mutex);
   if (!state_.Record("QuerySpaceFileByName", Args({Num(groupId), Num(folderId), Num(drawingId)})) ||
       !state_.SignedIn()) {
@@ -75,6 +75,7 @@ bool LocalCloudService::QuerySpaceFileByName(int32_t groupId, WString& fileName,
   if (drawing == nullptr) return false;
   fileName = drawing->name;
   drawingRef = RefOf(*drawing);
+  drawingId = drawing->drawingId;
   return true;
 }
 
@@ -107,7 +108,7 @@ bool LocalCloudService::QuerySpaceFile(int32_t groupId, WString& drawingRef, con
 }
 
 bool LocalCloudService::UploadSpaceFile(int32_t, const char16_t* localPath,
-                                        const char16_t* description, int32_t, WString& drawingRef,
+                                        const char16_t* description, int32_t, SpaceFileRef& stored,
                                         int32_t, int32_t groupId, int32_t folderId) {
   std::chrono::milliseconds delay;
   {
@@ -124,16 +125,17 @@ bool LocalCloudService::UploadSpaceFile(int32_t, const char16_t* localPath,
   LocalGroup* group = state_.FindGroup(groupId);
   if (group == nullptr || !OwnRole(*group)) return false;
   const fs::path source = PathOf(localPath);
-  const fs::path stored =
+  const fs::path copy =
       fs::path(state_.spaceFolder) / Num(groupId) / Num(folderId) / source.filename();
-  if (!CopyFile(source, stored)) return false;
+  if (!CopyFile(source, copy)) return false;
   SpaceDrawing drawing;
   drawing.drawingId = state_.nextDrawingId++;
   drawing.groupId = groupId;
   drawing.folderId = folderId;
   drawing.name = platform::Utf8ToUtf16(source.filename().string());
-  drawing.storedPath = platform::Utf8ToUtf16(stored.string());
-  drawingRef = RefOf(drawing);
+  drawing.storedPath = platform::Utf8ToUtf16(copy.string());
+  stored.drawingId = drawing.drawingId;
+  stored.drawingRef = RefOf(drawing);
   state_.drawings.push_back(std::move(drawing));
   return true;
 }

@@ -13,12 +13,12 @@ class LocalCloudService final : public HostCloudService {
   void ReleaseShareTree(ShareTreeSelection* selection) override;
   bool IsHostLoggedIn() override;
   bool QuerySpaceFileByName(int32_t groupId, WString& fileName, WString& drawingRef,
-                            int32_t folderId, int32_t drawingId) override;
+                            int32_t folderId, int32_t& drawingId) override;
   bool OpenCloudDrawing(const char16_t* drawingRef, int32_t& errorCode) override;
   bool QuerySpaceFile(int32_t groupId, WString& drawingRef, const void* reserved, int32_t folderId,
                       int32_t drawingId) override;
   bool UploadSpaceFile(int32_t reserved1, const char16_t* localPath, const char16_t* description,
-                       int32_t reserved2, WString& drawingRef, int32_t reserved3, int32_t groupId,
+                       int32_t reserved2, SpaceFileRef& stored, int32_t reserved3, int32_t groupId,
                        int32_t folderId) override;
   bool DownloadPicture(const char16_t* pictureUrl, const char16_t* localPath) override;
   void PrepareAccountForChat(int32_t accountId) override;

@@ -129,6 +129,14 @@ WString LocalHost::DrawingNameOf(const WString& drawingRef) const {
   return WString();
 }
 
+std::optional<SpaceDrawing> LocalHost::SpaceDrawingNamed(const WString& name) const {
+  Lock lock(state_.mutex);
+  for (const SpaceDrawing& drawing : state_.drawings) {
+    if (drawing.name == name) return drawing;
+  }
+  return std::nullopt;
+}
+
 // The callbacks are called without the lock: they may well call back into the host.
 bool LocalHost::SendDrawingMsgThroughModule(const WString& payload) {
   const DrawingMsgSender sender = Copy(state_, state_.drawingMsgSender);

@@ -60,6 +60,8 @@ class LocalHost final : public HostSystem, public GroupMirror {
   std::optional<SharedSessionInfo> OwnSession() const;
   // The file name of a drawing of the space, empty when the reference is unknown.
   WString DrawingNameOf(const WString& drawingRef) const;
+  // The first drawing of the space with that file name.
+  std::optional<SpaceDrawing> SpaceDrawingNamed(const WString& name) const;
 
   // What the host does with the module's callbacks.
   bool SendDrawingMsgThroughModule(const WString& payload);  // false when none registered

@@ -16,18 +16,29 @@ constexpr const char* kTag = "CDrawingSelection::UploadDrawing  error ";
 constexpr int32_t kSpaceRoot = 0;  // drawings go to the root folder of the group's space
 constexpr uint32_t kGroupConversation = 2;
 
-// The space's reference of the drawing: by id first, then by name. Empty
-// when the space does not have it.
-WString FindInSpace(HostCloudService& cloud, int32_t groupId, const DrawingMsgStru& drawing,
-                    int32_t spaceDrawingId) {
-  WString ref;
-  if (cloud.QuerySpaceFile(groupId, ref, nullptr, kSpaceRoot, spaceDrawingId) && !ref.empty()) {
-    return ref;
+// The drawing as the space has it: by id first, then by name. None when
+// the space does not have it.
+std::optional<SpaceFileRef> FindInSpace(HostCloudService& cloud, int32_t groupId,
+                                        const DrawingMsgStru& drawing, int32_t spaceDrawingId) {
+  SpaceFileRef found;
+  if (cloud.QuerySpaceFile(groupId, found.drawingRef, nullptr, kSpaceRoot, spaceDrawingId) &&
+      !found.drawingRef.empty()) {
+    found.drawingId = spaceDrawingId;
+    return found;
   }
   WString name = drawing.fileName;
-  ref.clear();
-  if (cloud.QuerySpaceFileByName(groupId, name, ref, kSpaceRoot, spaceDrawingId)) return ref;
-  return WString();
+  found = SpaceFileRef{};
+  found.drawingId = spaceDrawingId;
+  if (cloud.QuerySpaceFileByName(groupId, name, found.drawingRef, kSpaceRoot, found.drawingId) &&
+      !found.drawingRef.empty()) {
+    return found;
+  }
+  return std::nullopt;
+}
+
+void TakeSpaceFile(DrawingMsgStru& drawing, const SpaceFileRef& stored) {
+  drawing.fileRefId = stored.drawingRef;
+  if (stored.drawingId > 0) drawing.fileId = stored.drawingId;
 }
 
 }  // namespace
@@ -56,22 +67,22 @@ DrawingSendStep DrawingUpload::Send(const WString& convId, uint32_t convType,
   const int32_t groupId = group->cloud_group_id;
   if (spaceDrawingId > 0) drawing->fileId = spaceDrawingId;
 
-  const WString ref = FindInSpace(*cloud, groupId, *drawing, spaceDrawingId);
-  if (!ref.empty()) {
-    drawing->fileRefId = ref;
+  if (std::optional<SpaceFileRef> found = FindInSpace(*cloud, groupId, *drawing, spaceDrawingId)) {
+    TakeSpaceFile(*drawing, *found);
     return tools_.OnSenddrawingFileElem(convId, convType, *drawing, 0)
                ? DrawingSendStep::kSentFromSpace
                : DrawingSendStep::kRefused;
   }
 
   host::RecordFeatureUse(host::FeatureUse::kSendDrawing);
-  Running running{convId, convType, groupId, *drawing, 0};
+  Running running{convId, convType, *drawing, 0, std::make_shared<host::UploadOutcome>()};
   running.placeholder = tools_.SendFakeMsg(convId, convType, *drawing);
   auto task = std::make_unique<host::UploadTask>();
   task->notify = notify;
   task->localPath = drawing->filePath;
   task->groupId = groupId;
   task->folderId = kSpaceRoot;
+  task->outcome = running.outcome;
   if (!host::StartUploadWorker(std::move(task))) {
     tools_.FailPlaceholder(running.placeholder);
     return DrawingSendStep::kRefused;
@@ -84,15 +95,13 @@ bool DrawingUpload::Finish(bool stored) {
   if (!running_) return false;
   Running running = std::move(*running_);
   running_.reset();
-  if (stored) {
-    // The worker keeps nothing: the space tells the new drawing's reference.
-    HostCloudService* cloud = host::AcquireCloudService(kTag, host::Gate::kSignedIn);
-    if (cloud != nullptr) {
-      running.drawing.fileRefId = FindInSpace(*cloud, running.groupId, running.drawing, -1);
-    }
+  // The worker left the stored drawing's id and reference before it posted.
+  if (std::optional<SpaceFileRef> reported = running.outcome->Get(); stored && reported) {
+    TakeSpaceFile(running.drawing, *reported);
   }
   if (!stored || running.drawing.fileRefId.empty()) {
-    platform::Trace("UploadDrawing: %s", stored ? "stored drawing not found" : "upload failed");
+    platform::Trace("UploadDrawing: %s",
+                    stored ? "no reference of the stored drawing" : "upload failed");
     tools_.FailPlaceholder(running.placeholder);
     return false;
   }

@@ -16,8 +16,10 @@
 // Window thread only.
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
+#include "host/upload_worker.h"
 #include "platform/strings.h"
 #include "platform/window_messages.h"
 #include "records/drawing_msg.h"
@@ -54,9 +56,9 @@ class DrawingUpload {
   struct Running {
     WString convId;
     uint32_t convType = 0;
-    int32_t groupId = -1;
     DrawingMsgStru drawing;
     uint32_t placeholder = 0;
+    std::shared_ptr<host::UploadOutcome> outcome;  // the worker's report of the stored drawing
   };
 
   CChatTools& tools_;

@@ -46,7 +46,7 @@ Caller Group(GroupAction action) {
 bool Upload(UserPrompt&, const char*) {
   platform::QueuedWindow window;
   StartUploadWorker(
-      std::make_unique<UploadTask>(UploadTask{window.handle(), u"/none/a.dwg", 1001, 0}));
+      std::make_unique<UploadTask>(UploadTask{window.handle(), u"/none/a.dwg", 1001, 0, nullptr}));
   platform::ModuleWorkers::Instance().WaitIdle();
   auto posted = window.Take();
   return posted && posted->wParam == 1;

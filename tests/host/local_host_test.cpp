@@ -67,9 +67,11 @@ TEST_F(LocalHostBehaviour, CreatedGroupsAreJoinedAndASignedOutHostAnswersFailure
 TEST_F(LocalHostBehaviour, DrawingSpaceStoresQueriesAndOpens) {
   const auto source = space_ / "plan.dwg";
   std::ofstream(source) << "drawing";
-  WString ref;
+  SpaceFileRef stored;
   ASSERT_TRUE(cloud().UploadSpaceFile(0, platform::Utf8ToUtf16(source.string()).c_str(),
-                                      u"description", 0, ref, 0, 1001, 0));
+                                      u"description", 0, stored, 0, 1001, 0));
+  EXPECT_EQ(stored.drawingId, 1);
+  const WString ref = stored.drawingRef;
   EXPECT_EQ(ref, u"1001/1");
   WString found;
   EXPECT_TRUE(cloud().QuerySpaceFile(1001, found, nullptr, 0, 1));
@@ -77,8 +79,10 @@ TEST_F(LocalHostBehaviour, DrawingSpaceStoresQueriesAndOpens) {
   EXPECT_FALSE(cloud().QuerySpaceFile(1001, found, nullptr, 3, 1));  // other folder
   WString name = u"plan.dwg";
   WString byName;
-  EXPECT_TRUE(cloud().QuerySpaceFileByName(1001, name, byName, 0, 99));
+  int32_t id = 99;  // looked up by the name; the id found comes back
+  EXPECT_TRUE(cloud().QuerySpaceFileByName(1001, name, byName, 0, id));
   EXPECT_EQ(byName, ref);
+  EXPECT_EQ(id, 1);
   int32_t error = 0;
   EXPECT_TRUE(cloud().OpenCloudDrawing(ref.c_str(), error));
   std::filesystem::remove(space_ / "space" / "1001" / "0" / "plan.dwg");
@@ -87,7 +91,7 @@ TEST_F(LocalHostBehaviour, DrawingSpaceStoresQueriesAndOpens) {
   EXPECT_EQ(host_.OpenedCloudDrawings(), std::vector<WString>{ref});
   host_.SignIn(4);  // not in the group
   EXPECT_FALSE(cloud().UploadSpaceFile(0, platform::Utf8ToUtf16(source.string()).c_str(),
-                                       u"description", 0, ref, 0, 1001, 0));
+                                       u"description", 0, stored, 0, 1001, 0));
 }
 
 TEST_F(LocalHostBehaviour, SharedSessionsOfOthersAndOfTheUser) {

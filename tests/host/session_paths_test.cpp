@@ -26,9 +26,10 @@ class SessionPaths : public LocalHostTest {
                                      WString target = u"group_1001") {
     return {std::move(target), msgType, subType, u"2", u"{\"msgType\":2}"};
   }
-  std::unique_ptr<UploadTask> Task(const std::filesystem::path& path) {
-    return std::make_unique<UploadTask>(
-        UploadTask{window_.handle(), platform::Utf8ToUtf16(path.string()), 1001, 7});
+  std::unique_ptr<UploadTask> Task(const std::filesystem::path& path,
+                                   std::shared_ptr<UploadOutcome> outcome = nullptr) {
+    return std::make_unique<UploadTask>(UploadTask{
+        window_.handle(), platform::Utf8ToUtf16(path.string()), 1001, 7, std::move(outcome)});
   }
   std::filesystem::path Drawing() {
     std::ofstream(space_ / "plan.dwg") << "drawing";
@@ -134,7 +135,8 @@ TEST_F(SessionPaths, FeatureUseEventsCarryTheirTexts) {
 TEST_F(SessionPaths, UploadWorkerPostsOneOrZeroFromItsOwnThread) {
   const auto drawing = Drawing();
   for (const auto& [path, result] : {std::pair{drawing, 1u}, {space_ / "missing.dwg", 0u}}) {
-    ASSERT_TRUE(StartUploadWorker(Task(path)));
+    auto outcome = std::make_shared<UploadOutcome>();
+    ASSERT_TRUE(StartUploadWorker(Task(path, outcome)));
     platform::ModuleWorkers::Instance().WaitIdle();
     auto posted = window_.WaitFor(1s);
     ASSERT_TRUE(posted);
@@ -142,6 +144,13 @@ TEST_F(SessionPaths, UploadWorkerPostsOneOrZeroFromItsOwnThread) {
     EXPECT_EQ(posted->wParam, result);
     EXPECT_EQ(posted->lParam, 0);
     EXPECT_EQ(host_.Calls().back().args, path.string() + ",description,1001,7");
+    // What the host reported of the stored drawing waits for the window.
+    std::optional<SpaceFileRef> stored = outcome->Get();
+    ASSERT_EQ(stored.has_value(), result == 1u);
+    if (stored) {
+      EXPECT_EQ(stored->drawingId, 1);
+      EXPECT_EQ(stored->drawingRef, u"1001/1");
+    }
   }
   EXPECT_TRUE(std::filesystem::exists(space_ / "space" / "1001" / "7" / "plan.dwg"));
 }

@@ -12,6 +12,7 @@
 #include "service/drawings/drawing_upload.h"
 #include "service/drawings/file_md5.h"
 #include "service/drawings/shared_chat.h"
+#include "service/sending_json.h"
 #include "tests/service/service_fixture.h"
 
 namespace service_test {
@@ -92,6 +93,7 @@ class DrawingsTest : public ServiceTest {
 
 TEST_F(DrawingsTest, GroupDrawingIsUploadedOnceAndItsPlaceholderBecomesTheMessage) {
   SdkCallLog log;
+  const uint64_t before = service::NowMilliseconds();
   const WString plan = WriteDrawing("一层平面图.DWG", "AC1032 plan");
   ASSERT_EQ(upload_->Send(u"gd", 2, plan, -1, dialog_.handle()), DrawingSendStep::kUploading);
   const uint32_t placeholder = upload_->PlaceholderId();
@@ -115,7 +117,14 @@ TEST_F(DrawingsTest, GroupDrawingIsUploadedOnceAndItsPlaceholderBecomesTheMessag
   EXPECT_EQ(stored.fileType, u"DWG");
   EXPECT_EQ(stored.fileSize, 11);
   EXPECT_EQ(platform::Utf16ToUtf8(stored.fileMd5), service::drawings::Md5Hex("AC1032 plan"));
-  EXPECT_FALSE(stored.fileRefId.empty());
+  // The id and the reference the host gave the stored drawing, and the send's time.
+  const std::optional<host::local::SpaceDrawing> inSpace =
+      host_.SpaceDrawingNamed(u"一层平面图.DWG");
+  ASSERT_TRUE(inSpace);
+  EXPECT_EQ(stored.fileId, inSpace->drawingId);
+  EXPECT_EQ(stored.fileRefId, host::local::RefOf(*inSpace));
+  EXPECT_GE(stored.ts, before);
+  EXPECT_LE(stored.ts, service::NowMilliseconds());
   EXPECT_EQ(stored.type, 2u);
 
   // The same drawing again: found in the space, sent at once, not uploaded.
@@ -123,8 +132,16 @@ TEST_F(DrawingsTest, GroupDrawingIsUploadedOnceAndItsPlaceholderBecomesTheMessag
   ASSERT_EQ(upload_->Send(u"gd", 2, plan, -1, dialog_.handle()), DrawingSendStep::kSentFromSpace);
   EXPECT_EQ(Calls("UploadSpaceFile"), 0u);
   EXPECT_EQ(dialog_.Pending(), 0u);
-  EXPECT_EQ(log.CallsOf("TIMMsgSendNewMsg").size(), 2u);
+  ASSERT_EQ(log.CallsOf("TIMMsgSendNewMsg").size(), 2u);
   EXPECT_EQ(host_.FeatureUses().size(), 1u);
+  Json::Value again;
+  ASSERT_TRUE(Json::Reader().parse(
+      SdkCallLog::Param(log.CallsOf("TIMMsgSendNewMsg")[1],
+                        "json_msg_param")["message_elem_array"][0]["custom_elem_data"]
+          .asString(),
+      again));
+  EXPECT_EQ(again["data"]["fileId"].asInt(), inSpace->drawingId);
+  EXPECT_EQ(platform::Utf8ToUtf16(again["data"]["fileRefId"].asString()), stored.fileRefId);
 }
 
 TEST_F(DrawingsTest, FailedUploadMarksThePlaceholderFailedAndSendsNothing) {
@@ -214,9 +231,11 @@ TEST_F(DrawingsTest, ReceivedDrawingIsFetchedOnceAndItsRowPointsAtTheCopy) {
   // 王工 uploads a drawing to the group's space and sends its message.
   const int32_t groupId = host_.FindGroup(u"gd")->cloudGroupId;
   host_.SignIn(10002);
-  WString ref;
+  SpaceFileRef stored;
   ASSERT_TRUE(HostSystem::instance()->GetCloudService()->UploadSpaceFile(
-      0, WriteDrawing("stairs.dwg", "stairs v1").c_str(), u"description", 0, ref, 0, groupId, 0));
+      0, WriteDrawing("stairs.dwg", "stairs v1").c_str(), u"description", 0, stored, 0, groupId,
+      0));
+  const WString ref = stored.drawingRef;
   host_.SignIn(10001);
   Json::Value payload;
   payload["msgType"] = 1;

@@ -195,9 +195,10 @@ TEST_F(SendingTest, DrawingPlaceholderHandsItsIdToTheRealMessage) {
   EXPECT_EQ(elem["elem_type"].asInt(), 3);
   Json::Value payload = ParseJsonText(elem["custom_elem_data"].asString());
   EXPECT_EQ(payload["msgType"].asUInt(), 1u);
-  EXPECT_EQ(Keys(payload["data"]),
-            (std::vector<std::string>{"fileId", "fileMd5", "fileName", "filePath", "fileRefId",
-                                      "fileSize", "fileType", "fromUserId", "subType", "type"}));
+  EXPECT_EQ(
+      Keys(payload["data"]),
+      (std::vector<std::string>{"fileId", "fileMd5", "fileName", "filePath", "fileRefId",
+                                "fileSize", "fileType", "fromUserId", "subType", "ts", "type"}));
   EXPECT_EQ(payload["data"]["subType"].asUInt(), 1u);
   EXPECT_EQ(payload["data"]["type"].asUInt(), 2u);
   EXPECT_EQ(payload["data"]["fromUserId"].asString(), "10001");
