@@ -3,8 +3,8 @@
 // (host first, the IM side only after the host agreed).
 #include <json/json.h>
 
+#include "host/group_lookup.h"
 #include "host/host_access.h"
-#include "host/host_texts.h"
 #include "imsdk/im_sdk.h"
 #include "platform/json_text.h"
 #include "platform/trace.h"
@@ -199,16 +199,16 @@ host::OwnerTransferResult CChatTools::TransferGroupOwner(const WString& imGroupI
                                                          const char* tag) {
   using Result = host::OwnerTransferResult;
   if (request.newOwnerId == -1) return Result::kNoNewOwner;
-  HostCloudService* cloud = host::AcquireCloudService(tag, host::Gate::kSignedIn);
-  if (cloud == nullptr) return Result::kUnavailable;
   // Like every group action, it starts from the group as the host knows it:
   // the cloud id and the new owner's chat id come from its member list.
   GroupDetail group;
-  if (!cloud->GetGroupMembers(imGroupId.c_str(), group)) {
-    platform::Trace("%s%s", tag, host::text::kGroupQueryFailedTrace);
-    Window().ShowMessage(platform::W(host::text::kErrorTitle),
-                         platform::W(host::text::kGroupQueryFailed));
-    return Result::kGroupQueryFailed;
+  switch (host::LookUpGroup(imGroupId, tag, host::GroupQueryWording::kCommon, Window(), group)) {
+    case host::GroupLookup::kUnavailable:
+      return Result::kUnavailable;
+    case host::GroupLookup::kFailed:
+      return Result::kGroupQueryFailed;
+    case host::GroupLookup::kFound:
+      break;
   }
   WString newOwnerImId;
   for (const CloudGroupMember& member : group.members) {

@@ -231,6 +231,8 @@ TEST_F(GroupServiceTest, OwnerTransferAsksTheHostConfirmsAndFollows) {
   } cases[] = {
       {-1, true, "", R::kNoNewOwner, false, nullptr, nullptr, "10001"},
       {10003, true, "", R::kRefused, false, nullptr, nullptr, "10001"},
+      {10002, true, "GetGroupMembers", R::kGroupQueryFailed, false, u"错误",
+       u"查询群信息失败！！！", "10001"},
       {10002, false, "", R::kCancelled, true, nullptr, nullptr, "10001"},
       {10002, true, "TransferGroupOwner", R::kHostFailed, true, u"错误", u"转移群组权限失败!",
        "10001"},
@@ -254,6 +256,9 @@ TEST_F(GroupServiceTest, OwnerTransferAsksTheHostConfirmsAndFollows) {
     auto at = [&](const char* name) { return std::find(calls.begin(), calls.end(), name); };
     EXPECT_TRUE(c.newOwner == -1 ? calls.empty()
                                  : at("GetGroupMembers") < at("CheckGroupOwnerTransfer"));
+    if (c.result == R::kGroupQueryFailed) {
+      EXPECT_EQ(at("CheckGroupOwnerTransfer"), calls.end());
+    }
     std::vector<std::pair<WString, WString>> boxes, expected;
     for (const Box& box : window.Boxes(boxesBefore)) boxes.emplace_back(box.title, box.text);
     if (c.asked) expected.emplace_back(u"提示", kAsk);
