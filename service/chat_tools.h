@@ -42,6 +42,7 @@
 #include "records/group_records.h"
 #include "records/message_records.h"
 #include "records/profile_records.h"
+#include "service/face_downloads.h"
 #include "service/parts/downloads.h"
 #include "service/parts/friend_directory.h"
 #include "service/parts/group_directory.h"
@@ -175,10 +176,13 @@ class CChatTools {
   void DealConvListFunc(const std::string& json);
   WString GetConvNickName(uint32_t convType, const WString& convId);
   uint32_t GetCurrenConvType(const WString& convId);
-  // The local copy of a picture in the face cache, downloaded through the
-  // host when it is not there yet; `fallback` when there is no address or the
-  // download failed.
-  WString FacePathFor(const WString& faceUrl, const WString& fallback);
+  // The local copy of a picture in the face cache when it is there; else
+  // `fallback` now and the download through the host in the background,
+  // which posts 3192 with `id` to `notify` (the chat window when none is
+  // given) once the picture has arrived. Never waits for the network.
+  WString FacePathFor(const WString& faceUrl, const WString& fallback, const WString& id);
+  WString FacePathFor(const WString& faceUrl, const WString& fallback, const WString& id,
+                      platform::WindowHandle notify);
   void GetConvImage(uint32_t convType, const WString& convId, WString& imagePath, WString& name);
   // Handed to the host: appends {name, id, type} per recent conversation of
   // type 1 or 2; null does nothing.
@@ -391,6 +395,7 @@ class CChatTools {
   service::PendingSends sends_;
   service::Downloads downloads_;
   service::GroupRoster roster_;
+  service::FaceDownloads faces_;
   // Last: its start and end empty the parts above.
   service::Session session_{[this] { ClearCaches(); }};
 };

@@ -119,12 +119,15 @@ uint32_t CChatTools::GetCurrenConvType(const WString& convId) {
   return kConvNone;
 }
 
-WString CChatTools::FacePathFor(const WString& faceUrl, const WString& fallback) {
-  // The signed-in user's face folder; signed out there is none.
-  WString path = service::FaceCachePath(Folders().face, faceUrl);
-  if (path.empty()) return fallback;
-  if (service::FaceFileExists(path) || service::DownloadFace(faceUrl, path)) return path;
-  return fallback;
+WString CChatTools::FacePathFor(const WString& faceUrl, const WString& fallback,
+                                const WString& id) {
+  return FacePathFor(faceUrl, fallback, id, ChatWindow());
+}
+
+WString CChatTools::FacePathFor(const WString& faceUrl, const WString& fallback, const WString& id,
+                                platform::WindowHandle notify) {
+  // The signed-in user's face folder and session; signed out there is none.
+  return faces_.CachedOrFetch(CurrentFolders(), faceUrl, fallback, id, notify);
 }
 
 void CChatTools::GetConvImage(uint32_t convType, const WString& convId, WString& imagePath,
@@ -132,7 +135,7 @@ void CChatTools::GetConvImage(uint32_t convType, const WString& convId, WString&
   service::EnterExitTrace trace("GetConvImage");
   service::ConversationFace face = service::LookUpConversationFace(*this, convType, convId);
   name = face.name;
-  imagePath = FacePathFor(face.faceUrl, face.defaultImage);
+  imagePath = FacePathFor(face.faceUrl, face.defaultImage, convId);
 }
 
 void CChatTools::ProvideRecentConversations(std::vector<RecentConversationEntry>* list) {

@@ -22,8 +22,9 @@ bool ChatToolsAddFriendSource::IsOwnAccount(const AccountInfo& info) const {
   return self && *self == info.accountId;
 }
 
-WString ChatToolsAddFriendSource::AvatarPicture(const AccountInfo& info) {
-  return tools_.FacePathFor(info.avatarUrl, kPersonDefaultPicture);
+WString ChatToolsAddFriendSource::AvatarPicture(const AccountInfo& info,
+                                                platform::WindowHandle notify) {
+  return tools_.FacePathFor(info.avatarUrl, kPersonDefaultPicture, info.imUserId, notify);
 }
 
 host::AccountActionResult ChatToolsAddFriendSource::ActOnAccount(const WString& account,

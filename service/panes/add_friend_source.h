@@ -7,6 +7,7 @@
 #include "host/account_search.h"
 #include "host/host_records.h"
 #include "platform/strings.h"
+#include "platform/window_messages.h"
 
 class CChatTools;
 
@@ -19,9 +20,11 @@ class AddFriendSource {
   virtual host::AccountSearchResult SearchAccount(const WString& account, host::AccountKind kind,
                                                   AccountInfo& info) = 0;
   virtual bool IsOwnAccount(const AccountInfo& info) const = 0;
-  // A local picture of the account's avatar: downloaded into the face cache,
-  // or the default person picture when there is none.
-  virtual WString AvatarPicture(const AccountInfo& info) = 0;
+  // A local picture of the account's avatar when the face cache has it, else
+  // the default person picture now; the avatar is then fetched in the
+  // background and 3192 with the account's chat id reaches `notify` when it
+  // has arrived (asking again then gives the picture).
+  virtual WString AvatarPicture(const AccountInfo& info, platform::WindowHandle notify) = 0;
   // Relation 1: the friend request (source "账户查找", wording "加好友");
   // relation 2: the invitation to register.
   virtual host::AccountActionResult ActOnAccount(const WString& account, host::AccountKind kind,
@@ -37,7 +40,7 @@ class ChatToolsAddFriendSource final : public AddFriendSource {
   host::AccountSearchResult SearchAccount(const WString& account, host::AccountKind kind,
                                           AccountInfo& info) override;
   bool IsOwnAccount(const AccountInfo& info) const override;
-  WString AvatarPicture(const AccountInfo& info) override;
+  WString AvatarPicture(const AccountInfo& info, platform::WindowHandle notify) override;
   host::AccountActionResult ActOnAccount(const WString& account, host::AccountKind kind,
                                          const AccountInfo& info) override;
   int RequestFriend(const WString& id, const WString& source, const WString& wording) override;

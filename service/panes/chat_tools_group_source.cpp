@@ -58,7 +58,7 @@ class ChatToolsGroupSource final : public GroupSource {
     card.person.id = id;
     card.person.accountId = host::AccountIdOfImUser(id).value_or(-1);
     card.person.name = face.name.empty() ? tools_.PersonName(id) : face.name;
-    card.person.picture = tools_.FacePathFor(face.faceUrl, face.defaultImage);
+    card.person.picture = tools_.FacePathFor(face.faceUrl, face.defaultImage, id);
     if (std::optional<UserProfile> profile = tools_.FindProfile(id)) {
       card.signature = profile->self_signature;
     }
@@ -85,7 +85,7 @@ class ChatToolsGroupSource final : public GroupSource {
       person.name = !friendName.empty()           ? friendName
                     : !member.displayName.empty() ? member.displayName
                                                   : tools_.PersonName(member.imUserId);
-      person.picture = tools_.FacePathFor(member.avatarUrl, kPersonDefaultImage);
+      person.picture = tools_.FacePathFor(member.avatarUrl, kPersonDefaultImage, member.imUserId);
       person.owner = member.role == kHostRoleOwner;
       people.push_back(std::move(person));
     }
@@ -131,7 +131,8 @@ class ChatToolsGroupSource final : public GroupSource {
     person.accountId = host::AccountIdOfImUser(person.id).value_or(-1);
     person.name = CChatTools::FriendDisplayName(friendRecord);
     if (person.name.empty()) person.name = person.id;
-    person.picture = tools_.FacePathFor(friendRecord.profile.face_url, kPersonDefaultImage);
+    person.picture =
+        tools_.FacePathFor(friendRecord.profile.face_url, kPersonDefaultImage, person.id);
     return person;
   }
 

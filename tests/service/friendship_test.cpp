@@ -110,7 +110,8 @@ TEST_F(FriendshipTest, AddFriendSourceFindsPreparesAndRequestsWithTheCallersText
             host::AccountSearchResult::kFound);
   EXPECT_TRUE(source.IsOwnAccount(self));
   EXPECT_FALSE(source.IsOwnAccount(found));
-  EXPECT_EQ(source.AvatarPicture(found), u"..\\img\\PersonDefaultImg.png");  // none to fetch
+  EXPECT_EQ(source.AvatarPicture(found, platform::WindowHandle::kNone),
+            u"..\\img\\PersonDefaultImg.png");  // none to fetch
 
   EXPECT_EQ(source.ActOnAccount(u"new@example.com", host::AccountKind::kEmail, found),
             host::AccountActionResult::kFriendRequestSent);

@@ -5,10 +5,12 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
 
+#include "service/posting.h"
 #include "tests/ui/test_window.h"
 #include "ui/kit/control.h"
 
@@ -28,7 +30,10 @@ class FakeSource final : public service::AddFriendSource {
     return searchResult;
   }
   bool IsOwnAccount(const AccountInfo& info) const override { return info.accountId == 10001; }
-  WString AvatarPicture(const AccountInfo&) override { return u"..\\img\\PersonDefaultImg.png"; }
+  WString AvatarPicture(const AccountInfo&, platform::WindowHandle notify) override {
+    avatarNotify = notify;
+    return picture;
+  }
   AccountActionResult ActOnAccount(const WString& account, host::AccountKind,
                                    const AccountInfo& info) override {
     calls.push_back("act " + platform::Utf16ToUtf8(account) + " " + std::to_string(info.relation));
@@ -42,6 +47,8 @@ class FakeSource final : public service::AddFriendSource {
 
   AccountSearchResult searchResult = AccountSearchResult::kFound;
   AccountInfo found;
+  WString picture = u"..\\img\\PersonDefaultImg.png";
+  platform::WindowHandle avatarNotify = platform::WindowHandle::kNone;
   std::vector<std::string> calls;
 };
 
@@ -51,6 +58,7 @@ class AddFriendWndTest : public testing::Test {
     source_.found.relation = 1;
     source_.found.accountId = 10004;
     source_.found.displayName = W("赵工");
+    source_.found.imUserId = u"10004";
     ASSERT_TRUE(dialog_.CreateDialog(nullptr));
     dialog_.ShowWindow(true);
   }
@@ -180,6 +188,30 @@ TEST_F(AddFriendWndTest, NoHostEndsTheSearchSilentlyAndForgetsTheLastResult) {
   dialog_.SendNotify(dialog_.FindControl("Add"), ui::kNotifyClick);
   EXPECT_EQ(source_.calls, std::vector<std::string>{"act 13800138001 0"});
   EXPECT_FALSE(Action()->isEnabled());
+}
+
+// The avatar is fetched in the background: the default picture first, the
+// real one when 3192 names the found account; one of another account is
+// not shown over it.
+TEST_F(AddFriendWndTest, AvatarArrivingLaterReplacesTheDefaultPicture) {
+  Search("zhao@example.com");
+  ASSERT_TRUE(ResultShown());
+  auto header = [&] { return dialog_.FindControl("HeaderImg").GetAttribute("bkimage"); };
+  EXPECT_EQ(header(), u"..\\img\\PersonDefaultImg.png");
+  EXPECT_EQ(source_.avatarNotify, dialog_.GetHWND());
+
+  const QString arrived = QString::fromStdString(testing::TempDir()) + "add_friend_zhao.png";
+  QImage picture(8, 8, QImage::Format_ARGB32);
+  picture.fill(Qt::darkCyan);
+  ASSERT_TRUE(picture.save(arrived));
+  source_.picture = platform::Utf8ToUtf16(arrived.toStdString());
+  ASSERT_TRUE(service::PostPayload<platform::msg::kConversationLogoChanged>(
+      dialog_.GetHWND(), service::kNoSession, WString(u"10009")));
+  ui::test::Pump(100);
+  EXPECT_EQ(header(), u"..\\img\\PersonDefaultImg.png");
+  ASSERT_TRUE(service::PostPayload<platform::msg::kConversationLogoChanged>(
+      dialog_.GetHWND(), service::kNoSession, WString(u"10004")));
+  EXPECT_TRUE(ui::test::PumpUntil([&] { return header() == source_.picture; }));
 }
 
 }  // namespace

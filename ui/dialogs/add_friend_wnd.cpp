@@ -2,6 +2,7 @@
 
 #include "host/host_texts.h"
 #include "service/panes/account_text.h"
+#include "service/posting.h"
 #include "ui/dialogs/dialog_rows.h"
 
 using host::AccountActionResult;
@@ -80,6 +81,16 @@ void AddFriendWnd::Notify(ui::TNotifyUI& msg) {
   DialogFrame::Notify(msg);
 }
 
+ui::LRESULT AddFriendWnd::HandleMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam) {
+  if (uMsg == platform::msg::kConversationLogoChanged) {
+    auto arrived = service::AdoptPosted<platform::msg::kConversationLogoChanged>(wParam);
+    // A picture of an earlier search is not shown over this one.
+    if (arrived && arrived->value == found_.imUserId && searchResult_.IsVisible()) ShowAvatar();
+    return 1;
+  }
+  return DialogFrame::HandleMessage(uMsg, wParam, lParam);
+}
+
 void AddFriendWnd::Search() {
   account_ = searchEdit_.GetText();
   found_ = AccountInfo{};  // nothing to act on until this search finds something
@@ -117,8 +128,12 @@ void AddFriendWnd::Search() {
   ShowFound();
 }
 
+void AddFriendWnd::ShowAvatar() {
+  FindControl("HeaderImg").SetAttribute("bkimage", source_.AvatarPicture(found_, GetHWND()));
+}
+
 void AddFriendWnd::ShowFound() {
-  FindControl("HeaderImg").SetAttribute("bkimage", source_.AvatarPicture(found_));
+  ShowAvatar();
   // An address without account has no name: the address itself stands in.
   const WString& name = found_.displayName.empty() ? account_ : found_.displayName;
   FindControl("AddFriend_NickName").SetText(u"用户名: " + name);

@@ -14,10 +14,13 @@ class AddFriendWnd final : public ui::DialogFrame {
  protected:
   void InitWindow() override;
   void Notify(ui::TNotifyUI& msg) override;
+  // 3192: the found account's avatar has arrived.
+  ui::LRESULT HandleMessage(unsigned uMsg, ui::WPARAM wParam, ui::LPARAM lParam) override;
 
  private:
   void Search();
   void ShowFound();
+  void ShowAvatar();
   void ActOnResult();
   void ShowStatus(const WString& text, bool error);
   void SetActionEnabled(bool enabled);
