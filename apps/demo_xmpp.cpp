@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 
 #include "apps/demo_input.h"
 #include "apps/demo_message_kinds.h"
@@ -43,6 +44,61 @@ std::unique_ptr<xmpp_test::PeerProcess> SignInPeer(const xmpp_test::ProsodyServe
   return peer;
 }
 
+bool Subscription(const Json::Value& event, const char* from, const char* type) {
+  return event["event"] == "presence" && event["type"] == type && event["from"] == Jid(from);
+}
+
+struct Friend {
+  xmpp_test::PeerProcess* peer;
+  const char* id;
+  const char* nick;
+};
+
+// Makes `friends` the user's friends (mutual subscriptions, the user's
+// roster naming them by their nicks) through the user's own account, before
+// the SDK signs in; false when a step did not happen.
+bool MakeFriends(const xmpp_test::ProsodyServer& server, const std::vector<Friend>& friends) {
+  auto user = SignInPeer(server, kUser, "张明");
+  if (!user) return false;
+  auto presence = [](xmpp_test::PeerProcess& peer, const char* to, const char* type) {
+    Json::Value cmd;
+    cmd["cmd"] = "presence";
+    cmd["to"] = Jid(to);
+    cmd["type"] = type;
+    peer.Command(cmd);
+  };
+  for (const auto& [peer, id, nick] : friends) {
+    Json::Value name;
+    name["cmd"] = "raw";
+    name["data"] = "<iq type='set' id='name-" + std::string(id) +
+                   "'><query xmlns='jabber:iq:roster'><item jid='" + Jid(id) + "' name='" + nick +
+                   "'/></query></iq>";
+    user->Command(name);
+    presence(*user, id, "subscribe");
+    if (peer->WaitFor([](const Json::Value& e) { return Subscription(e, kUser, "subscribe"); })
+            .isNull()) {
+      return false;
+    }
+    presence(*peer, kUser, "subscribed");
+    presence(*peer, kUser, "subscribe");
+    if (user->WaitFor([&](const Json::Value& e) { return Subscription(e, id, "subscribe"); })
+            .isNull()) {
+      return false;
+    }
+    presence(*user, id, "subscribed");
+    if (user->WaitFor([&](const Json::Value& e) {
+              return e["event"] == "roster" && e["jid"] == Jid(id) && e["subscription"] == "both";
+            })
+            .isNull()) {
+      return false;
+    }
+  }
+  Json::Value quit;
+  quit["cmd"] = "quit";
+  user->Command(quit);
+  return !user->WaitForEvent("disconnected").isNull();
+}
+
 // Events of `peer` saying the occupant `nick` is in the group's room.
 bool InRoom(const Json::Value& event, const char* nick) {
   return event["event"] == "presence" && event["type"] == "available" &&
@@ -71,6 +127,11 @@ bool XmppWorld::Start(const std::string& sdkConfigFolder) {
   answering_ = SignInPeer(server_, kAnswering, "王工");
   quiet_ = SignInPeer(server_, kQuiet, "李工");
   if (!answering_ || !quiet_) return false;
+  if (!MakeFriends(server_,
+                   {{answering_.get(), kAnswering, "王工"}, {quiet_.get(), kQuiet, "李工"}})) {
+    std::fprintf(stderr, "demo: 王工 and 李工 did not become the user's friends\n");
+    return false;
+  }
   // 王工's room: the user is invited (the invitation waits for the sign-in).
   Json::Value room;
   room["cmd"] = "make_room";
@@ -203,20 +264,33 @@ ScriptResult RunXmppScript(XmppWorld& world, const std::string& dataRoot) {
     std::printf("The user's client did not enter the group's room.\n");
     return result;
   }
-  const int inGroup = StoredMessageCount(db);
   const std::string welcome = "大家好，今天评审一层平面图。";
   const std::string marked = "收到，我把标注改好了，平面图发在群里。";
   const std::string picture = MakeFloorPlanPicture(dataRoot);
   if (picture.empty()) return result;
-  world.SayInGroup(false, welcome);
-  std::printf("王工 -> 图纸评审组: %s\n", welcome.c_str());
-  world.SayInGroup(true, marked);
-  std::printf("李工 -> 图纸评审组: %s\n", marked.c_str());
-  world.ShareInGroup(picture);
-  std::printf("李工 -> 图纸评审组: the picture 一层平面图.png (uploaded to the server)\n");
-  if (!PumpUntil([&] { return StoredMessageCount(db) >= inGroup + 3; }, 15000)) {
-    std::printf("The group's messages did not reach Chat.db.\n");
-    return result;
+  // Two clients: each speaks once the one before was heard, so the room
+  // keeps the order of the conversation.
+  const std::function<void()> turns[] = {
+      [&] {
+        world.SayInGroup(false, welcome);
+        std::printf("王工 -> 图纸评审组: %s\n", welcome.c_str());
+      },
+      [&] {
+        world.SayInGroup(true, marked);
+        std::printf("李工 -> 图纸评审组: %s\n", marked.c_str());
+      },
+      [&] {
+        world.ShareInGroup(picture);
+        std::printf("李工 -> 图纸评审组: the picture 一层平面图.png (uploaded to the server)\n");
+      }};
+  int heard = StoredMessageCount(db);
+  for (const auto& turn : turns) {
+    turn();
+    if (!PumpUntil([&] { return StoredMessageCount(db) > heard; }, 15000)) {
+      std::printf("The group's message did not reach Chat.db.\n");
+      return result;
+    }
+    heard = StoredMessageCount(db);
   }
   if (!OpenConversationNamed(window, QString::fromUtf8("图纸评审组"))) {
     std::printf("The group is not in the conversation list.\n");
