@@ -106,6 +106,10 @@ std::vector<RecentConversation> CChatTools::RecentConversations() const {
   return recent_.List();
 }
 
+std::vector<RecentConversationKey> CChatTools::RecentConversationKeys() const {
+  return recent_.Keys();
+}
+
 std::optional<RecentConversation> CChatTools::FindRecentConv(const WString& convId) const {
   return recent_.FindRecent(convId);
 }
@@ -152,6 +156,10 @@ std::vector<MessageStru> CChatTools::TakeNewMessages(const WString& convId, size
 
 std::vector<FriendsList_Stru> CChatTools::Friends() const {
   return friends_.Friends();
+}
+
+void CChatTools::VisitFriends(const std::function<void(const FriendsList_Stru&)>& visit) const {
+  friends_.VisitFriends(visit);
 }
 
 std::optional<FriendsList_Stru> CChatTools::FindFriend(const WString& id) const {

@@ -22,6 +22,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -191,6 +192,7 @@ class CChatTools {
   int RequestConvList();
 
   std::vector<RecentConversation> RecentConversations() const;
+  std::vector<RecentConversationKey> RecentConversationKeys() const;
   std::optional<RecentConversation> FindRecentConv(const WString& convId) const;
   size_t RecentCount() const;
   // The take-record operation: under "RencentConvData", removes the record
@@ -243,6 +245,9 @@ class CChatTools {
   // Own profile: add permission 2 (requests need confirmation), nothing else.
   int ModifySelfAddPermission();
   std::vector<FriendsList_Stru> Friends() const;
+  // Every friend shown to `visit`, in order, nothing copied; `visit` must
+  // not call into the service.
+  void VisitFriends(const std::function<void(const FriendsList_Stru&)>& visit) const;
   std::optional<FriendsList_Stru> FindFriend(const WString& id) const;
   // Remark, else nickname, else empty.
   static WString FriendDisplayName(const FriendsList_Stru& friendRecord);

@@ -11,6 +11,13 @@
 // One entry of the recent-conversation list: the conversation record and two
 // flag bytes. AddRecentConvID sets both to 1 (a conversation the user or a
 // new message brought in); records rebuilt from the SDK's list leave them 0.
+// Which conversation a recent record is, without its data.
+struct RecentConversationKey {
+  WString conv_id;
+  uint32_t conv_type = 0;
+  bool operator==(const RecentConversationKey&) const = default;
+};
+
 struct RecentConversation {
   ConversationInfo_Stru info;
   uint8_t opened = 0;  // opened from this module (or by a new message)

@@ -34,7 +34,7 @@ void BM_FriendListRebuild(benchmark::State& state) {
   auto* list = static_cast<QListView*>(ui::qt::WidgetOf(chat.window.FindControl("FriendsList")));
   for (auto _ : state) {
     chat.window.SendMessage(platform::msg::kFriendListChanged);
-    list->viewport()->repaint();
+    bench::LayOutAndPaint(*list);
   }
   state.counters["rows"] = list->model()->rowCount();
 }

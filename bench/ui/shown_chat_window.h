@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QFont>
 
@@ -26,6 +27,14 @@ inline QApplication& App() {
     return made;
   }();
   return *app;
+}
+
+// What the event loop does for a list after its rows changed, done now: the
+// rows are laid out (a reset only schedules that) and those in view painted.
+// Without the layout a repaint draws an empty list.
+inline void LayOutAndPaint(QAbstractItemView& view) {
+  view.doItemsLayout();
+  view.viewport()->repaint();
 }
 
 struct ShownChatWindow {

@@ -19,14 +19,8 @@ class ChatToolsConversationSource : public ConversationListSource {
     return tools_.RecentCount() != 0 || tools_.ConversationCount() != 0;
   }
 
-  std::vector<ConversationInfo_Stru> RecentConversations() const override {
-    std::vector<RecentConversation> records = tools_.RecentConversations();
-    std::vector<ConversationInfo_Stru> list;
-    list.reserve(records.size());
-    for (RecentConversation& recent : records) {
-      list.push_back(WithLastMessage(std::move(recent.info)));
-    }
-    return list;
+  std::vector<RecentConversationKey> RecentKeys() const override {
+    return tools_.RecentConversationKeys();
   }
 
   std::optional<ConversationInfo_Stru> FindConversation(const WString& convId) const override {

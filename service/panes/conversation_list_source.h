@@ -10,6 +10,7 @@
 #include "platform/strings.h"
 #include "platform/window_messages.h"
 #include "records/conversation_records.h"
+#include "service/service_records.h"
 
 class CChatTools;
 
@@ -27,8 +28,8 @@ class ConversationListSource {
   virtual bool IsSignedIn() const = 0;
   // The recent list or the conversation set holds anything.
   virtual bool HasConversations() const = 0;
-  // The recent conversations, front first.
-  virtual std::vector<ConversationInfo_Stru> RecentConversations() const = 0;
+  // The recent conversations, front first: which they are, not their data.
+  virtual std::vector<RecentConversationKey> RecentKeys() const = 0;
   // The record of one conversation (recent list first, then the set).
   virtual std::optional<ConversationInfo_Stru> FindConversation(const WString& convId) const = 0;
   // Never waits for the network: a picture still to be fetched is the

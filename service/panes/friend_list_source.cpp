@@ -12,7 +12,11 @@ class ChatToolsFriendList final : public FriendListSource {
  public:
   explicit ChatToolsFriendList(CChatTools& tools) : tools_(tools), faces_(tools) {}
 
-  std::vector<FriendsList_Stru> Friends() const override { return tools_.Friends(); }
+  std::vector<FriendListEntry> FriendEntries() const override {
+    std::vector<FriendListEntry> entries;
+    tools_.VisitFriends([&](const FriendsList_Stru& f) { entries.push_back(ListEntryOf(f)); });
+    return entries;
+  }
   std::optional<FriendsList_Stru> FindFriend(const WString& id) const override {
     return tools_.FindFriend(id);
   }
@@ -37,6 +41,10 @@ class ChatToolsFriendList final : public FriendListSource {
 };
 
 }  // namespace
+
+FriendListEntry ListEntryOf(const FriendsList_Stru& friendRecord) {
+  return {friendRecord.identifier, CChatTools::FriendDisplayName(friendRecord)};
+}
 
 std::unique_ptr<FriendListSource> MakeFriendListSource(CChatTools& tools) {
   return std::make_unique<ChatToolsFriendList>(tools);

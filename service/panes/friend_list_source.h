@@ -15,11 +15,18 @@ class CChatTools;
 
 namespace service {
 
+// A friend as the list knows it before its row is drawn.
+struct FriendListEntry {
+  WString id;
+  WString displayName;  // the remark, else the nickname
+};
+FriendListEntry ListEntryOf(const FriendsList_Stru& friendRecord);
+
 class FriendListSource {
  public:
   virtual ~FriendListSource() = default;
-  // In the service's order.
-  virtual std::vector<FriendsList_Stru> Friends() const = 0;
+  // In the service's order; the records stay where they are.
+  virtual std::vector<FriendListEntry> FriendEntries() const = 0;
   virtual std::optional<FriendsList_Stru> FindFriend(const WString& id) const = 0;
   // A cached face file, or the default picture while there is none (3192
   // with the id follows when the picture has arrived).

@@ -31,6 +31,12 @@ std::vector<FriendsList_Stru> FriendDirectory::Friends() const {
   return friends_;
 }
 
+void FriendDirectory::VisitFriends(
+    const std::function<void(const FriendsList_Stru&)>& visit) const {
+  std::lock_guard lock(mutex_);
+  for (const FriendsList_Stru& f : friends_) visit(f);
+}
+
 std::optional<FriendsList_Stru> FriendDirectory::FindFriend(const WString& id) const {
   std::lock_guard lock(mutex_);
   auto found = friend_index_.find(id);

@@ -35,6 +35,14 @@ std::vector<RecentConversation> RecentConversations::List() const {
   return {recent_.begin(), recent_.end()};
 }
 
+std::vector<RecentConversationKey> RecentConversations::Keys() const {
+  std::lock_guard lock(mutex_);
+  std::vector<RecentConversationKey> keys;
+  keys.reserve(recent_.size());
+  for (const RecentConversation& r : recent_) keys.push_back({r.info.conv_id, r.info.conv_type});
+  return keys;
+}
+
 size_t RecentConversations::Count() const {
   std::lock_guard lock(mutex_);
   return recent_.size();

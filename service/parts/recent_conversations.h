@@ -31,6 +31,8 @@ class RecentConversations {
   void Clear();
 
   std::vector<RecentConversation> List() const;
+  // The list's ids and types, front first: no message is copied.
+  std::vector<RecentConversationKey> Keys() const;
   size_t Count() const;
   // True when the id was not in the list and was appended.
   bool AddRecent(const WString& convId, uint32_t convType);

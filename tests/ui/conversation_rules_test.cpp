@@ -79,11 +79,31 @@ TEST(ConversationRules, PreviewIsTheLastTextElement) {
       {{elem(kElemImage, u"")}, u""},
       {{elem(kElemText, u"一"), elem(kElemText, u"二")}, u"二"},
       {{elem(kElemText, u"一"), elem(kElemFile, u"文件")}, u"一"},
+      {{elem(kElemText, u"一二三四五六七八九十一二三四五")}, u"一二三四五六七八九十一二三…"},
   };
   for (const Case& c : cases) {
     MessageStru message;
     message.elems = c.elems;
     EXPECT_EQ(ConversationPreview(message), c.preview);
+  }
+}
+
+TEST(ConversationRules, LongPreviewsAreCutByColumnsWithAnEllipsis) {
+  struct Case {
+    const char16_t* text;
+    int columns;
+    const char16_t* preview;
+  } cases[] = {
+      {u"abcdef", 6, u"abcdef"},  // fits exactly
+      {u"abcdefg", 6, u"abcd…"},  // the ellipsis takes two columns
+      {u"王工abc", 7, u"王工abc"},
+      {u"王工abcd", 7, u"王工a…"},  // wide characters take two
+      {u"ab王工", 5, u"ab…"},       // a wide character is not half kept
+      {u"a😀😀😀", 6, u"a😀…"},         // nor a surrogate pair split
+      {u"", 6, u""},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(CutPreview(c.text, c.columns), c.preview) << platform::Utf16ToUtf8(c.text);
   }
 }
 

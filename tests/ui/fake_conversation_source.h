@@ -42,10 +42,10 @@ class FakeConversationSource : public service::ConversationListSource {
 
   bool IsSignedIn() const override { return signedIn; }
   bool HasConversations() const override { return !conversations.empty(); }
-  std::vector<ConversationInfo_Stru> RecentConversations() const override {
-    std::vector<ConversationInfo_Stru> list;
-    for (const Entry& e : conversations) list.push_back(e.info);
-    return list;
+  std::vector<RecentConversationKey> RecentKeys() const override {
+    std::vector<RecentConversationKey> keys;
+    for (const Entry& e : conversations) keys.push_back({e.info.conv_id, e.info.conv_type});
+    return keys;
   }
   std::optional<ConversationInfo_Stru> FindConversation(const WString& id) const override {
     const Entry* e = Find(id);

@@ -44,7 +44,11 @@ struct FakeFriendSources : service::FriendListSource,
   }
 
   // Friends.
-  std::vector<FriendsList_Stru> Friends() const override { return friends; }
+  std::vector<service::FriendListEntry> FriendEntries() const override {
+    std::vector<service::FriendListEntry> entries;
+    for (const FriendsList_Stru& f : friends) entries.push_back(service::ListEntryOf(f));
+    return entries;
+  }
   std::optional<FriendsList_Stru> FindFriend(const WString& id) const override {
     for (const FriendsList_Stru& f : friends) {
       if (f.identifier == id) return f;

@@ -7,17 +7,17 @@ namespace {
 
 using namespace ui::main;
 
-FriendsList_Stru Friend(const WString& id, const WString& nickname, const WString& remark) {
+service::FriendListEntry Friend(const WString& id, const WString& nickname, const WString& remark) {
   FriendsList_Stru f;
   f.identifier = id;
   f.profile.nick_name = nickname;
   f.remark = remark;
-  return f;
+  return service::ListEntryOf(f);
 }
 
 TEST(FriendRules, FixedEntriesOnlyWithoutSearchAndTheRemarkIsWhatIsSearched) {
-  std::vector<FriendsList_Stru> friends = {Friend(u"1", u"zhang", u"Boss"),
-                                           Friend(u"2", u"li", u""), Friend(u"3", u"王工", u"")};
+  std::vector<service::FriendListEntry> friends = {
+      Friend(u"1", u"zhang", u"Boss"), Friend(u"2", u"li", u""), Friend(u"3", u"王工", u"")};
   struct Case {
     const char16_t* search;
     std::vector<WString> rows;

@@ -1,6 +1,10 @@
 // The kit's long list (rows as data, drawn by one template) and popup menus.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include <QAction>
 #include <QApplication>
 #include <QListView>
@@ -76,6 +80,39 @@ TEST_F(RowListTest, AClickIsAButtonClickOrAnItemClickBoundToTheRowUnderTheMouse)
   EXPECT_EQ(at.GetName(), "Kit_ItemName");
   EXPECT_TRUE(at.IsInside(rows.control()));
   EXPECT_EQ(rows.RowOf(at), 1);
+}
+
+TEST_F(RowListTest, AFillerMakesARowOnceWhenItIsFirstDrawnReadOrChanged) {
+  std::vector<WString> made;
+  rows.SetFiller([&](int row) {
+    WString id = rows.UserData(row);
+    made.push_back(id);
+    rows.SetText(row, "Kit_ItemName", u"name " + id);
+  });
+  {
+    RowList::Batch batch(rows);
+    for (int i = 0; i < 200; ++i) rows.Add(u"r" + platform::Utf8ToUtf16(std::to_string(i)));
+  }
+  auto timesMade = [&](const WString& id) { return std::count(made.begin(), made.end(), id); };
+  QCoreApplication::processEvents();  // laid out and painted
+  EXPECT_EQ(timesMade(u"r0"), 1);
+  EXPECT_LT(made.size(), 50u);  // the rows in view, not all of them
+  EXPECT_EQ(rows.Find(u"r180"), 180);
+  EXPECT_EQ(timesMade(u"r180"), 0);  // finding needs no values
+
+  EXPECT_EQ(rows.Get(150, "Kit_ItemName", "text"), u"name r150");
+  EXPECT_EQ(View()->model()->index(120, 0).data(Qt::AccessibleTextRole).toString(), "name r120");
+  rows.SetText(199, "Kit_ItemName", u"renamed");  // made first, then changed
+  EXPECT_EQ(rows.Get(199, "Kit_ItemName", "text"), u"renamed");
+  View()->viewport()->repaint();
+  for (const char16_t* id : {u"r0", u"r150", u"r120", u"r199"}) {
+    EXPECT_EQ(timesMade(id), 1) << platform::Utf16ToUtf8(id);
+  }
+
+  rows.RemoveAll();
+  rows.Add(u"r0");  // a new row is made anew
+  EXPECT_EQ(rows.Get(0, "Kit_ItemName", "text"), u"name r0");
+  EXPECT_EQ(timesMade(u"r0"), 2);
 }
 
 TEST_F(RowListTest, APopupMenuSendsTheChosenCommandAndAnUntrackedOneShowsNothing) {

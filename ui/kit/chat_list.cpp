@@ -169,12 +169,4 @@ WString ChatList::PlainText(int row) const {
   return qt::ItemText(*ref.item).toStdU16String();
 }
 
-ChatList::Batch::Batch(const ChatList& list) : list_(list.control()) {
-  if (qt::ChatListView* view = ViewOf(list_)) view->items()->BeginBatch();
-}
-
-ChatList::Batch::~Batch() {
-  if (qt::ChatListView* view = ViewOf(list_)) view->items()->EndBatch();
-}
-
 }  // namespace ui

@@ -16,6 +16,7 @@
 
 #include "platform/strings.h"
 #include "ui/kit/control.h"
+#include "ui/kit/list_batch.h"
 
 namespace ui {
 
@@ -78,16 +79,7 @@ class ChatList {
   WString PlainText(int row) const;
 
   // Changes inside a batch reach the screen once, when the last batch ends.
-  class Batch {
-   public:
-    explicit Batch(const ChatList& list);
-    ~Batch();
-    Batch(const Batch&) = delete;
-    Batch& operator=(const Batch&) = delete;
-
-   private:
-    Control list_;
-  };
+  using Batch = ListBatch;
 
  private:
   Control list_;

@@ -48,6 +48,10 @@ void RowList::SetNameControl(std::string_view control) {
   if (qt::RowModel* model = ModelOf(list_)) model->SetNameControl(control);
 }
 
+void RowList::SetFiller(std::function<void(int row)> filler) {
+  if (qt::RowModel* model = ModelOf(list_)) model->SetFiller(std::move(filler));
+}
+
 int RowList::Count() const {
   qt::RowModel* model = ModelOf(list_);
   return model ? model->rowCount() : 0;
@@ -114,14 +118,6 @@ int RowList::RowOf(const Control& control) const {
   QWidget* w = qt::WidgetOf(control);
   if (!view || !w || !view->Stamp()) return -1;
   return view->Stamp() == w || view->Stamp()->isAncestorOf(w) ? view->BoundRow() : -1;
-}
-
-RowList::Batch::Batch(const RowList& list) : list_(list.control()) {
-  if (qt::RowModel* model = ModelOf(list_)) model->BeginBatch();
-}
-
-RowList::Batch::~Batch() {
-  if (qt::RowModel* model = ModelOf(list_)) model->EndBatch();
 }
 
 }  // namespace ui

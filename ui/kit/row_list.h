@@ -5,12 +5,16 @@
 // rows on screen are drawn, so hundreds of rows cost records, not widgets.
 //
 // Finding a row by its user data takes constant time. Changes made inside a
-// Batch reach the screen once, at its end.
+// Batch reach the screen once, at its end. With a filler, a row's values are
+// made when the row is first painted, read or changed, so a rebuild costs
+// the rows' user data and the rows in view.
 
+#include <functional>
 #include <string_view>
 
 #include "platform/strings.h"
 #include "ui/kit/control.h"
+#include "ui/kit/list_batch.h"
 
 namespace ui {
 
@@ -29,6 +33,10 @@ class RowList {
   bool SetTemplate(std::string_view skinFile, int rowHeight);
   // The template control whose text names a row for screen readers.
   void SetNameControl(std::string_view control);
+  // Makes a row's values (with Set) the first time they are needed; rows
+  // added afterwards start without values. Every reader sees the values the
+  // filler makes, as if they had been set when the row was added.
+  void SetFiller(std::function<void(int row)> filler);
 
   int Count() const;
   // Adds a row at `index` (-1: at the end); returns its index.
@@ -54,16 +62,7 @@ class RowList {
   int RowOf(const Control& control) const;
 
   // Changes inside a batch reach the screen once, when the last batch ends.
-  class Batch {
-   public:
-    explicit Batch(const RowList& list);
-    ~Batch();
-    Batch(const Batch&) = delete;
-    Batch& operator=(const Batch&) = delete;
-
-   private:
-    Control list_;
-  };
+  using Batch = ListBatch;
 
  private:
   Control list_;

@@ -29,6 +29,7 @@ void ConversationListPane::SetUp() {
     platform::Trace("ConversationListPane: the row template Conver_list_item.xml is missing");
   }
   rows_.SetNameControl(kNickname);
+  rows_.SetFiller([this](int row) { FillRow(row); });
 }
 
 void ConversationListPane::Post(unsigned msg, WPARAM wParam) {
@@ -52,18 +53,30 @@ void ConversationListPane::UpdateRencentConvList() {
   if (!controls_.tabs || !controls_.searchEdit || !rows_) return;
   ChooseLeftPage();
   WString search = controls_.searchEdit.GetText();
-  ConversationTimes times(clock_());
   {
     RowList::Batch batch(rows_);
     rows_.RemoveAll();
-    for (const ConversationInfo_Stru& conv : source_.RecentConversations()) {
-      service::ConversationListSource::Picture picture =
-          source_.ConversationPicture(conv.conv_type, conv.conv_id);
-      if (!MatchesSearch(picture.name, search)) continue;
-      Fill(rows_.Add(conv.conv_id), conv, picture, times);
+    for (const RecentConversationKey& key : source_.RecentKeys()) {
+      // Names are looked up to filter only; rows make their values when drawn.
+      if (!search.empty() &&
+          !MatchesSearch(source_.ConversationPicture(key.conv_type, key.conv_id).name, search)) {
+        continue;
+      }
+      rows_.Add(key.conv_id);
     }
   }
-  rows_.Select(rows_.Find(service::CurrentConvId()));  // the open one stands out
+  WString open = service::CurrentConvId();
+  int openRow = rows_.Find(open);
+  if (openRow >= 0) source_.SetRead(open);  // listed and open: nothing unread stays
+  rows_.Select(openRow);                    // the open one stands out
+}
+
+void ConversationListPane::FillRow(int row) {
+  WString convId = rows_.UserData(row);
+  std::optional<ConversationInfo_Stru> conv = source_.FindConversation(convId);
+  if (!conv) return;  // gone since the rebuild; the next rebuild drops the row
+  Fill(row, *conv, source_.ConversationPicture(conv->conv_type, convId),
+       ConversationTimes(clock_()));
 }
 
 void ConversationListPane::Fill(int row, const ConversationInfo_Stru& conv,

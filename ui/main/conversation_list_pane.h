@@ -68,6 +68,8 @@ class ConversationListPane {
   RowList& rows() { return rows_; }
 
  private:
+  // The row's values, made when the row is first drawn or read.
+  void FillRow(int row);
   void Fill(int row, const ConversationInfo_Stru& conv,
             const service::ConversationListSource::Picture& picture,
             const ConversationTimes& times);

@@ -37,8 +37,16 @@ class ConversationTimes {
   mutable Day day_;
 };
 
-// The text of the last text element of the message; empty without one.
+// The columns a preview may take in the list: a wide (CJK, full-width)
+// character takes two, others one; 28 fill the preview's width at its font.
+inline constexpr int kPreviewColumns = 28;
+
+// The text of the last text element of the message, cut by CutPreview;
+// empty without one.
 WString ConversationPreview(const MessageStru& lastMessage);
+// `text` when it fits `columns`; else its longest start that leaves room
+// for "…" (two columns), then "…". Characters are never split.
+WString CutPreview(const WString& text, int columns = kPreviewColumns);
 
 // Kept when the search text is empty or is a substring of the name, both
 // upper-cased.

@@ -1,7 +1,5 @@
 #include "ui/main/friend_list_pane.h"
 
-#include <map>
-
 #include "service/chat_tools.h"
 #include "ui/main/friend_rules.h"
 #include "ui/main/pane_rows.h"
@@ -22,27 +20,30 @@ FriendListPane::FriendListPane(MainControls& controls, service::FriendListSource
 
 void FriendListPane::SetUp() {
   rows_ = SetUpRows(controls_.friendsList, "friend_list_item.xml", kRowHeight, kNickname);
+  rows_.SetFiller([this](int row) { FillRow(row); });
 }
 
 void FriendListPane::UpdateFriendList(const WString& selectedId) {
   if (!controls_.searchEdit || !rows_) return;
-  std::vector<FriendsList_Stru> friends = source_.Friends();
-  std::map<WString, const FriendsList_Stru*> byId;
-  for (const FriendsList_Stru& f : friends) byId.emplace(f.identifier, &f);
+  std::vector<WString> ids =
+      FriendListRows(source_.FriendEntries(), controls_.searchEdit.GetText());
   {
     RowList::Batch batch(rows_);
     rows_.RemoveAll();
-    for (const WString& id : FriendListRows(friends, controls_.searchEdit.GetText())) {
-      auto found = byId.find(id);
-      if (found == byId.end()) {
-        FillFixed(rows_.Add(id), id);
-      } else {
-        FillFriend(rows_.Add(id), *found->second);
-      }
-    }
+    for (const WString& id : ids) rows_.Add(id);
   }
+  RefreshNewFriendEntry();  // requests shown now are read, drawn or not
   // After the batch: its end resets the view's selection.
   rows_.Select(selectedId.empty() ? -1 : rows_.Find(selectedId));
+}
+
+void FriendListPane::FillRow(int row) {
+  WString id = rows_.UserData(row);
+  if (std::optional<FriendsList_Stru> found = source_.FindFriend(id)) {
+    FillFriend(row, *found);
+  } else if (id == kNewFriendsId || id == kGroupsId) {
+    FillFixed(row, id);
+  }  // else a friend gone since the rebuild; the next rebuild drops the row
 }
 
 void FriendListPane::SetNames(int row, const char16_t* item, const char16_t* image,

@@ -36,6 +36,8 @@ class FriendListPane {
   RowList& rows() { return rows_; }
 
  private:
+  // The row's values, made when the row is first drawn or read.
+  void FillRow(int row);
   void FillFixed(int row, const WString& id);
   void FillFriend(int row, const FriendsList_Stru& friendRecord);
   void SetNames(int row, const char16_t* item, const char16_t* image, const char16_t* name);

@@ -1,6 +1,5 @@
 #include "ui/main/friend_rules.h"
 
-#include "service/chat_tools.h"
 #include "ui/main/conversation_rules.h"
 
 namespace ui::main {
@@ -12,7 +11,7 @@ bool IsBlank(char16_t c) {
 
 }  // namespace
 
-std::vector<WString> FriendListRows(const std::vector<FriendsList_Stru>& friends,
+std::vector<WString> FriendListRows(const std::vector<service::FriendListEntry>& friends,
                                     const WString& search) {
   std::vector<WString> rows;
   rows.reserve(friends.size() + 2);
@@ -20,8 +19,8 @@ std::vector<WString> FriendListRows(const std::vector<FriendsList_Stru>& friends
     rows.emplace_back(kNewFriendsId);
     rows.emplace_back(kGroupsId);
   }
-  for (const FriendsList_Stru& f : friends) {
-    if (MatchesSearch(CChatTools::FriendDisplayName(f), search)) rows.push_back(f.identifier);
+  for (const service::FriendListEntry& f : friends) {
+    if (MatchesSearch(f.displayName, search)) rows.push_back(f.id);
   }
   return rows;
 }

@@ -8,6 +8,7 @@
 
 #include "platform/strings.h"
 #include "records/profile_records.h"
+#include "service/panes/friend_list_source.h"
 
 namespace ui::main {
 
@@ -18,7 +19,7 @@ inline constexpr char16_t kGroupsId[] = u"-2";
 // The friend list's rows as user data, in order: the two fixed entries while
 // the search text is empty, then the friends whose display name contains the
 // search text (both upper-cased).
-std::vector<WString> FriendListRows(const std::vector<FriendsList_Stru>& friends,
+std::vector<WString> FriendListRows(const std::vector<service::FriendListEntry>& friends,
                                     const WString& search);
 
 enum class RequestState { kAccepted, kPending, kJustAccepted };

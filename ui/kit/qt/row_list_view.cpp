@@ -70,7 +70,9 @@ int RowModel::rowCount(const QModelIndex& parent) const {
 QVariant RowModel::data(const QModelIndex& index, int role) const {
   if (!RowAt(index.row()) || nameSlot_ < 0) return {};
   if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole || role == Qt::ToolTipRole) {
-    return ToQ(Value(index.row(), nameSlot_));
+    // Reading a row may produce its values: the model's data stays the same
+    // to every reader, only its making is deferred.
+    return ToQ(const_cast<RowModel*>(this)->Value(index.row(), nameSlot_));
   }
   return {};
 }
@@ -146,8 +148,18 @@ int RowModel::SlotOf(std::string_view control, std::string_view attribute) {
   return found;
 }
 
+void RowModel::Fill(int index) {
+  if (!filler_ || !RowAt(index) || rows_[static_cast<size_t>(index)].filled) return;
+  rows_[static_cast<size_t>(index)].filled = true;  // before: the filler sets values
+  int outer = filling_;
+  filling_ = index;
+  filler_(index);
+  filling_ = outer;
+}
+
 void RowModel::SetValue(int index, int slot, const WString& value) {
   if (!RowAt(index) || slot < 0) return;
+  Fill(index);  // a value set before the row was made is not overwritten by its making
   std::vector<WString>& values = rows_[static_cast<size_t>(index)].values;
   if (values.size() <= static_cast<size_t>(slot)) values.resize(slots_.size());
   if (values[static_cast<size_t>(slot)] == value) return;
@@ -155,15 +167,18 @@ void RowModel::SetValue(int index, int slot, const WString& value) {
   Changed(index);
 }
 
-const WString& RowModel::Value(int index, int slot) const {
+const WString& RowModel::Value(int index, int slot) {
   static const WString kEmpty;
+  Fill(index);
   const Row* row = RowAt(index);
   if (!row || slot < 0 || static_cast<size_t>(slot) >= row->values.size()) return kEmpty;
   return row->values[static_cast<size_t>(slot)];
 }
 
 void RowModel::Changed(int index) {
-  if (batch_ > 0) return;  // the batch's reset repaints everything
+  // A batch's reset repaints everything; a row being made is being painted
+  // or read right now.
+  if (batch_ > 0 || index == filling_) return;
   QModelIndex at = this->index(index);
   emit dataChanged(at, at);
 }
@@ -209,6 +224,7 @@ bool RowListView::SetTemplate(const QString& skinFolder, const QString& skinFile
 }
 
 QWidget* RowListView::BindStamp(int row, int width) {
+  model_->Fill(row);
   const RowModel::Row* data = model_->RowAt(row);
   if (!stamp_ || !data) return nullptr;
   boundRow_ = row;

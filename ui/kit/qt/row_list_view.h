@@ -15,6 +15,7 @@
 #include <QString>
 
 #include <array>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -36,7 +37,10 @@ class RowModel : public QAbstractListModel {
   struct Row {
     WString userData;
     std::vector<WString> values;  // by slot number; missing = empty
+    bool filled = false;          // the filler has produced the values
   };
+  // Produces the values of a row (through the list's setters).
+  using Filler = std::function<void(int index)>;
 
   int rowCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
@@ -50,8 +54,13 @@ class RowModel : public QAbstractListModel {
   // The slot's number, registered on first use.
   int SlotOf(std::string_view control, std::string_view attribute);
   const std::vector<Slot>& Slots() const { return slots_; }
+  // With a filler, a row's values are produced when the row is first
+  // painted, read or changed, not when it is added: a rebuild of hundreds of
+  // rows then costs only the rows in view.
+  void SetFiller(Filler filler) { filler_ = std::move(filler); }
+  void Fill(int index);
   void SetValue(int index, int slot, const WString& value);
-  const WString& Value(int index, int slot) const;
+  const WString& Value(int index, int slot);
   // The control whose text names a row for screen readers.
   void SetNameControl(std::string_view control) { nameSlot_ = SlotOf(control, "text"); }
 
@@ -74,6 +83,8 @@ class RowModel : public QAbstractListModel {
   std::array<int, 61> slotHints_ = MakeNoHints();
   int nameSlot_ = -1;
   int batch_ = 0;
+  Filler filler_;
+  int filling_ = -1;  // the row the filler is producing (no change signals)
 };
 
 class RowListView : public QListView {
