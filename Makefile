@@ -28,7 +28,7 @@ test-asan: deps
 test-tsan: deps
 	$(call configure,build-tsan,-DCMAKE_BUILD_TYPE=Debug -DIM_SANITIZE=thread -DIM_BUILD_BENCH=OFF)
 	cmake --build build-tsan -j$(JOBS)
-	cd build-tsan && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 setarch $$(uname -m) -R $(CTEST)
+	cd build-tsan && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1:suppressions=$(CURDIR)/tests/tsan.supp setarch $$(uname -m) -R $(CTEST)
 
 bench: deps
 	$(call configure,build,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
