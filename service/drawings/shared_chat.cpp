@@ -53,7 +53,9 @@ SharedChatStep SharedChat::Start(const WString& convId, uint32_t convType,
     Tell(host::text::kSharedStateQueryFailed);
     return SharedChatStep::kQueryFailed;
   }
-  if (ownIn != 0 && own.sessionKey != convId) {
+  if (ownIn != 0) {
+    if (own.sessionKey == convId)
+      return SharedChatStep::kEntered;  // in it already: not joined twice
     Tell(text::kInOtherSession);
     return SharedChatStep::kOtherSession;
   }

@@ -3,13 +3,13 @@
 // chat on a drawing of the group's space).
 //
 // Start asks the host whether the user and the peer (or the group) are in a
-// shared session already. A session that runs for the conversation is
-// joined; in a group without one the caller lets the user choose a drawing
-// of the group's space (ShareDwg) and calls Enter with it. Entering checks
-// the session's room (CheckSharedSession), joins it (JoinSharedSession) and
-// opens the drawing in the host (EnterSharedDrawing); the caller then turns
-// the chat window to its compact layout. Failures are told with the
-// module's message box through `prompt`.
+// shared session already. The user in this conversation's session already
+// is not joined again (kEntered: the window only goes compact); a session
+// that runs for the conversation is joined; in a group without one the caller lets the user choose
+// a drawing of the group's space (ShareDwg) and calls Enter with it. Entering checks the session's
+// room (CheckSharedSession), joins it (JoinSharedSession) and opens the drawing in the host
+// (EnterSharedDrawing); the caller then turns the chat window to its compact layout. Failures are
+// told with the module's message box through `prompt`.
 //
 // Window thread only.
 

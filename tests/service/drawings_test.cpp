@@ -207,6 +207,11 @@ TEST_F(DrawingsTest, SharedChatJoinsARunningSessionOrTellsWhyNot) {
   EXPECT_EQ(shared.Start(u"gd", 2, dialog_.handle()), SharedChatStep::kEntered);
   EXPECT_EQ(host_.SessionMembers(groupId), (std::vector<int32_t>{10002, 10001}));
   EXPECT_EQ(Calls("EnterSharedDrawing"), 1u);
+  // Asked again while in it: the layout only, the session is not joined twice.
+  EXPECT_EQ(shared.Start(u"gd", 2, dialog_.handle()), SharedChatStep::kEntered);
+  EXPECT_EQ(host_.SessionMembers(groupId), (std::vector<int32_t>{10002, 10001}));
+  EXPECT_EQ(Calls("JoinSharedSession"), 1u);
+  EXPECT_EQ(Calls("EnterSharedDrawing"), 1u);
 
   // Opening the drawing fails: the session is given back, and the box says so.
   host_.ClearSharedSession();
