@@ -47,17 +47,19 @@ bool Shoot(QWidget* window, const std::string& path, std::vector<std::string>& s
   return true;
 }
 
-// info1..info12 of the newest custom row of `msgType` as stored ('' for a
-// column the row does not use); empty when there is no such row.
-std::vector<std::string> StoredInfo(const std::string& dbPath, int msgType) {
+// info1..info12 of the conversation's newest custom row of `msgType` as
+// stored ('' for a column the row does not use); empty when there is none.
+// (Other conversations hold rows of both kinds from earlier steps.)
+std::vector<std::string> StoredInfo(const std::string& dbPath, const std::string& convId,
+                                    int msgType) {
   sqlite3* db = nullptr;
   std::vector<std::string> info;
   if (sqlite3_open_v2(dbPath.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
     sqlite3_busy_timeout(db, 1000);
     const std::string sql =
         "SELECT info1,info2,info3,info4,info5,info6,info7,info8,info9,info10,info11,info12 "
-        "FROM MessageTbl WHERE kTIMElemType=3 AND info1='" +
-        std::to_string(msgType) + "' ORDER BY id DESC LIMIT 1";
+        "FROM MessageTbl WHERE kTIMElemType=3 AND kTIMMsgConvId='" +
+        convId + "' AND info1='" + std::to_string(msgType) + "' ORDER BY id DESC LIMIT 1";
     sqlite3_stmt* stmt = nullptr;
     if (sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr) == SQLITE_OK &&
         sqlite3_step(stmt) == SQLITE_ROW) {
@@ -165,7 +167,7 @@ bool RunDrawingScript(host::local::LocalHost& host, const World& world, const st
       },
       false);
   host.SetUploadDelay(std::chrono::milliseconds(0));
-  if (!sent || !Pump([&] { return !StoredInfo(db, 1).empty(); })) {
+  if (!sent || !Pump([&] { return !StoredInfo(db, world.groupId, 1).empty(); })) {
     Say("The drawing was not sent to the group.");
     return false;
   }
@@ -173,7 +175,7 @@ bool RunDrawingScript(host::local::LocalHost& host, const World& world, const st
       " (uploaded to the group's cloud space" + (waitShot ? ", wait window shown" : "") + ").");
   const std::optional<host::local::SpaceDrawing> inSpace =
       host.SpaceDrawingNamed(platform::Utf8ToUtf16(kDrawingName));
-  const std::vector<std::string> drawingRow = StoredInfo(db, 1);
+  const std::vector<std::string> drawingRow = StoredInfo(db, world.groupId, 1);
   if (!DrawingRowIsComplete(drawingRow, inSpace ? inSpace->drawingId : -1)) {
     Say("Chat.db: the drawing row is incomplete (" + std::to_string(FilledInfoColumns(drawingRow)) +
         " info columns, fileId '" + drawingRow.at(1) + "', ts '" + drawingRow.at(9) + "').");
@@ -210,12 +212,12 @@ bool RunDrawingScript(host::local::LocalHost& host, const World& world, const st
       "; the chat window is in its compact layout.");
   PeerJoinsSharedChat(host, world, groupId);
   if (!Pump([&] { return !host.DrawingInfoUpdates().empty() && !host.SentSyncs().empty(); }) ||
-      !Pump([&] { return !StoredInfo(db, 2).empty(); })) {
+      !Pump([&] { return !StoredInfo(db, world.groupId, 2).empty(); })) {
     Say("王工's shared-chat message did not reach the host and the store.");
     return false;
   }
   Say("王工 joined; his notice and his drawing change reached the host's drawing window.");
-  const int sharedColumns = FilledInfoColumns(StoredInfo(db, 2));
+  const int sharedColumns = FilledInfoColumns(StoredInfo(db, world.groupId, 2));
   if (sharedColumns != 7) {
     Say("Chat.db: the shared-chat row fills " + std::to_string(sharedColumns) +
         " info columns, not 7.");
