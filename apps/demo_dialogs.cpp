@@ -6,14 +6,20 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QDeadlineTimer>
+#include <QImage>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QTimer>
 #include <QWidget>
 
+#include <filesystem>
 #include <functional>
 
 #include "apps/demo_script.h"
+#include "apps/demo_world.h"
+#include "host/local/local_host.h"
+#include "platform/strings.h"
 
 namespace demo {
 namespace {
@@ -76,11 +82,37 @@ bool ShootAddFriend(const std::string& account, const std::string& menuPath,
         if (edit == nullptr || result == nullptr) return false;
         edit->setText(QString::fromStdString(account));
         Click(dialog, "BtnSearch");
-        bool saved = Pump([&] { return result->isVisible(); }) && Save(dialog, dialogPath);
+        // The avatar is fetched in the background and replaces the default picture.
+        auto* header = dialog->findChild<QWidget*>("HeaderImg");
+        auto avatarShown = [&] {
+          return header != nullptr &&
+                 !header->property("im_attr_bkimage").toString().contains("PersonDefaultImg");
+        };
+        bool saved =
+            Pump([&] { return result->isVisible() && avatarShown(); }) && Save(dialog, dialogPath);
         Click(dialog, "btnclose");
         return saved;
       });
   return menuSaved && dialogSaved;
+}
+
+void GiveStrangerAnAvatar(host::local::LocalHost& host, const std::string& dataRoot) {
+  const std::filesystem::path folder = std::filesystem::path(dataRoot) / "demo-avatars";
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  const std::string path = (folder / "zhao.png").string();
+  QImage picture(96, 96, QImage::Format_ARGB32);
+  picture.fill(QColor("#FFE9A23B"));
+  QPainter painter(&picture);
+  painter.setPen(Qt::white);
+  QFont font = painter.font();
+  font.setPixelSize(48);
+  painter.setFont(font);
+  painter.drawText(picture.rect(), Qt::AlignCenter, QString::fromUtf8("赵"));
+  painter.end();
+  if (picture.save(QString::fromStdString(path))) {
+    host.SetAvatar(std::stoi(kStranger), platform::Utf8ToUtf16(path));
+  }
 }
 
 bool ShootSettings(const std::string& path) {

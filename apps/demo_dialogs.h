@@ -8,6 +8,10 @@
 class QString;
 class QWidget;
 
+namespace host::local {
+class LocalHost;
+}
+
 namespace demo {
 
 // The visible top-level window whose object name is `className`, or null.
@@ -27,9 +31,14 @@ bool Save(QWidget* window, const std::string& path);
 
 // The add menu under CreateGroupBtn (saved to `menuPath`), then its
 // "添加好友" item: the add-friend dialog, in which `account` is searched
-// (saved to `dialogPath` once the result shows). True when both were saved.
+// (saved to `dialogPath` once the result and the account's avatar show).
+// True when both were saved.
 bool ShootAddFriend(const std::string& account, const std::string& menuPath,
                     const std::string& dialogPath);
+
+// 赵工's avatar, a picture file under `dataRoot` that the host hands out;
+// the add-friend dialog shows it once it has been fetched.
+void GiveStrangerAnAvatar(host::local::LocalHost& host, const std::string& dataRoot);
 
 // The settings dialog opened at IMSetUp, closed with its cancel button.
 bool ShootSettings(const std::string& path);

@@ -24,6 +24,7 @@
 #include <string>
 #include <thread>
 
+#include "apps/demo_dialogs.h"
 #include "apps/demo_drawings.h"
 #include "apps/demo_script.h"
 #include "apps/demo_world.h"
@@ -138,6 +139,7 @@ int main(int argc, char** argv) {
   demo::HostFrame frame(host);
   frame.show();
   demo::OpenDrawingInHost(host, dataRoot);
+  demo::GiveStrangerAnAvatar(host, dataRoot);
 
   const char* libraryPath = std::getenv("IM_MODULE_LIBRARY");
   im_exports::ModuleLibrary module(libraryPath ? libraryPath : IM_MODULE_LIBRARY_DEFAULT);

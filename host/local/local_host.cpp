@@ -52,6 +52,13 @@ void LocalHost::AddAccount(LocalAccount account) {
   state_.accounts[account.id] = std::move(account);
 }
 
+void LocalHost::SetAvatar(int32_t accountId, const WString& path) {
+  Lock lock(state_.mutex);
+  if (auto it = state_.accounts.find(accountId); it != state_.accounts.end()) {
+    it->second.avatarPath = path;
+  }
+}
+
 void LocalHost::MakeFriends(int32_t a, int32_t b) {
   Lock lock(state_.mutex);
   state_.friendships.insert({std::min(a, b), std::max(a, b)});

@@ -35,6 +35,8 @@ class LocalHost final : public HostSystem, public GroupMirror {
 
   // Account directory and sign-in.
   void AddAccount(LocalAccount account);
+  // The account's avatar becomes the picture file at `path`.
+  void SetAvatar(int32_t accountId, const WString& path);
   void MakeFriends(int32_t a, int32_t b);
   void SignIn(int32_t accountId);
   void SignOut();
