@@ -80,6 +80,7 @@ TEST(ConversationRules, PreviewIsTheLastTextElement) {
       {{elem(kElemText, u"一"), elem(kElemText, u"二")}, u"二"},
       {{elem(kElemText, u"一"), elem(kElemFile, u"文件")}, u"一"},
       {{elem(kElemText, u"一二三四五六七八九十一二三四五")}, u"一二三四五六七八九十一二三…"},
+      {{elem(kElemText, u"第一行\r\n\r\n第二行\t完")}, u"第一行 第二行 完"},
   };
   for (const Case& c : cases) {
     MessageStru message;

@@ -74,12 +74,26 @@ WString ConversationTimeText(uint64_t seconds, std::time_t now) {
   return ConversationTimes(now).Text(seconds);
 }
 
+// Each run of line breaks and tabs as one space: the preview has one line.
+static WString OneLine(const WString& text) {
+  WString line;
+  line.reserve(text.size());
+  bool inBreak = false;
+  for (char16_t c : text) {
+    const bool isBreak = c == u'\r' || c == u'\n' || c == u'\t';
+    if (isBreak && !inBreak) line += u' ';
+    if (!isBreak) line += c;
+    inBreak = isBreak;
+  }
+  return line;
+}
+
 WString ConversationPreview(const MessageStru& lastMessage) {
   const WString* preview = nullptr;
   for (const ElemStru& elem : lastMessage.elems) {
     if (elem.elem_type == kElemText) preview = &elem.text;
   }
-  return preview ? CutPreview(*preview) : WString();
+  return preview ? CutPreview(OneLine(*preview)) : WString();
 }
 
 WString CutPreview(const WString& text, int columns) {

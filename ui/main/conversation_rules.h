@@ -41,8 +41,8 @@ class ConversationTimes {
 // character takes two, others one; 28 fill the preview's width at its font.
 inline constexpr int kPreviewColumns = 28;
 
-// The text of the last text element of the message, cut by CutPreview;
-// empty without one.
+// The text of the last text element of the message on one line, cut by
+// CutPreview; empty without one.
 WString ConversationPreview(const MessageStru& lastMessage);
 // `text` when it fits `columns`; else its longest start that leaves room
 // for "…" (two columns), then "…". Characters are never split.
