@@ -175,8 +175,12 @@ bool RunDrawingScript(host::local::LocalHost& host, const World& world, const st
       " (uploaded to the group's cloud space" + (waitShot ? ", wait window shown" : "") + ").");
   const std::optional<host::local::SpaceDrawing> inSpace =
       host.SpaceDrawingNamed(platform::Utf8ToUtf16(kDrawingName));
-  const std::vector<std::string> drawingRow = StoredInfo(db, world.groupId, 1);
-  if (!DrawingRowIsComplete(drawingRow, inSpace ? inSpace->drawingId : -1)) {
+  // The placeholder's row comes first; the sent message completes it.
+  std::vector<std::string> drawingRow;
+  if (!Pump([&] {
+        drawingRow = StoredInfo(db, world.groupId, 1);
+        return DrawingRowIsComplete(drawingRow, inSpace ? inSpace->drawingId : -1);
+      })) {
     Say("Chat.db: the drawing row is incomplete (" + std::to_string(FilledInfoColumns(drawingRow)) +
         " info columns, fileId '" + drawingRow.at(1) + "', ts '" + drawingRow.at(9) + "').");
     return false;
