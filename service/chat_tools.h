@@ -157,8 +157,8 @@ class CChatTools {
   void ReportReaded(const WString& convId, uint32_t convType);
   // `elemParam` is an element's download parameter; the result is posted as
   // 3164 with `requestKey` (at once, or 50 ms later for pictures).
-  void DownloadMessageElem(const WString& elemParam, const WString& path, uint32_t requestKey);
-  std::optional<DownloadState> GetDownloadState(uint32_t requestKey) const;
+  void DownloadMessageElem(const WString& elemParam, const WString& path, uint64_t requestKey);
+  std::optional<DownloadState> GetDownloadState(uint64_t requestKey) const;
 
   // Up to `limit` stored messages of the signed-in user's conversation, newest first.
   std::vector<MessageStru> StoredMessages(const WString& convId, int limit) const;

@@ -16,17 +16,20 @@ namespace {
 
 constexpr auto kPictureSettleDelay = std::chrono::milliseconds(50);
 
-void* KeyToUserData(uint32_t key) {
+// The key rides in the SDK's user data, and in 3164's wParam.
+static_assert(sizeof(uintptr_t) >= sizeof(uint64_t), "request keys are 64-bit");
+
+void* KeyToUserData(uint64_t key) {
   return reinterpret_cast<void*>(static_cast<uintptr_t>(key));
 }
-uint32_t UserDataToKey(void* user) {
-  return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(user));
+uint64_t UserDataToKey(void* user) {
+  return static_cast<uint64_t>(reinterpret_cast<uintptr_t>(user));
 }
 
 }  // namespace
 
 void CChatTools::DownloadMessageElem(const WString& elemParam, const WString& path,
-                                     uint32_t requestKey) {
+                                     uint64_t requestKey) {
   service::EnterExitTrace trace("DownloadMessageElem");
   std::string param = platform::Utf16ToUtf8(elemParam);
   std::string target = platform::Utf16ToUtf8(path);
@@ -45,13 +48,13 @@ void CChatTools::DownloadMessageElem(const WString& elemParam, const WString& pa
   if (ret != 0) platform::Trace("File download failed! ret:%d", ret);
 }
 
-std::optional<DownloadState> CChatTools::GetDownloadState(uint32_t requestKey) const {
+std::optional<DownloadState> CChatTools::GetDownloadState(uint64_t requestKey) const {
   return downloads_.Find(requestKey);
 }
 
 void CChatTools::TIMMsgDownloadFileElemToPathFunc(int32_t code, const char* desc, const char* json,
                                                   void* user) {
-  uint32_t key = UserDataToKey(user);
+  uint64_t key = UserDataToKey(user);
   CChatTools* self = service::IdCallbackOwner().load();
   if (self == nullptr) return;
   if (code != 0) {

@@ -1,5 +1,4 @@
 // The message view's source over CChatTools, the store and the host.
-#include "host/host_access.h"
 #include "platform/data_folders.h"
 #include "service/chat_tools.h"
 #include "service/current_conversation.h"
@@ -8,10 +7,6 @@
 
 namespace service {
 namespace {
-
-// The host's answers that mean the drawing is gone.
-constexpr int32_t kDrawingNotFound = 406;
-constexpr int32_t kDrawingDeleted = 6;
 
 class ChatToolsMessageSource : public MessageViewSource {
  public:
@@ -48,11 +43,11 @@ class ChatToolsMessageSource : public MessageViewSource {
   }
 
   void Download(const std::string& downloadParam, const WString& path,
-                uint32_t requestKey) override {
+                uint64_t requestKey) override {
     tools_.DownloadMessageElem(platform::Utf8ToUtf16(downloadParam), path, requestKey);
   }
 
-  std::optional<DownloadState> Transfer(uint32_t requestKey) const override {
+  std::optional<DownloadState> Transfer(uint64_t requestKey) const override {
     return tools_.GetDownloadState(requestKey);
   }
 
@@ -68,27 +63,8 @@ class ChatToolsMessageSource : public MessageViewSource {
     return tools_.FindUpload(localId);
   }
 
-  bool HasDrawingService() const override {
-    return host::AcquireCloudService("HasDrawingService") != nullptr;
-  }
-
-  DrawingCheck CheckDrawing(const WString& drawingRef) override {
-    HostCloudService* cloud = host::AcquireCloudService("CheckDrawing");
-    if (!cloud) return DrawingCheck::kFailed;
-    int32_t error = 0;
-    if (cloud->OpenCloudDrawing(drawingRef.c_str(), error)) return DrawingCheck::kExists;
-    return error == kDrawingNotFound || error == kDrawingDeleted ? DrawingCheck::kGone
-                                                                 : DrawingCheck::kFailed;
-  }
-
-  bool IsSharedChatActive() const override {
-    HostAppService* app = host::AcquireAppService("IsSharedChatActive");
-    return app && app->IsInSharedSession();
-  }
-
-  bool OpenDrawingFile(const WString& localPath) override {
-    HostAppService* app = host::AcquireAppService("OpenDrawingFile");
-    return app && app->OpenDrawingFile(localPath.c_str());
+  drawings::DrawingOpenStep OpenDrawing(MessageStru& message, host::UserPrompt& prompt) override {
+    return drawings::OpenDrawingMessage(message, DownloadFolder(), prompt);
   }
 
  private:

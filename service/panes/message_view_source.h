@@ -8,8 +8,10 @@
 #include <optional>
 #include <vector>
 
+#include "host/user_prompt.h"
 #include "platform/strings.h"
 #include "records/message_records.h"
+#include "service/drawings/drawing_opening.h"
 #include "service/service_records.h"
 
 class CChatTools;
@@ -18,8 +20,6 @@ namespace service {
 
 class MessageViewSource {
  public:
-  enum class DrawingCheck { kExists, kGone, kFailed };
-
   virtual ~MessageViewSource() = default;
 
   virtual WString CurrentConversation() const = 0;
@@ -38,19 +38,19 @@ class MessageViewSource {
   // The file behind an element's download parameter, into `path`; the end
   // is announced as 3164 with `requestKey`.
   virtual void Download(const std::string& downloadParam, const WString& path,
-                        uint32_t requestKey) = 0;
-  virtual std::optional<DownloadState> Transfer(uint32_t requestKey) const = 0;
+                        uint64_t requestKey) = 0;
+  virtual std::optional<DownloadState> Transfer(uint64_t requestKey) const = 0;
   virtual WString DownloadFolder() const = 0;
   // A message the user sent, by local id: its send state and unique id.
   virtual std::optional<MessageStru> SentMessage(uint32_t localId) const = 0;
   // How far a message being sent has been uploaded (3164 with its local id).
   virtual std::optional<UploadProgress> Upload(uint32_t localId) const = 0;
 
-  // Drawings live in the host.
-  virtual bool HasDrawingService() const = 0;
-  virtual DrawingCheck CheckDrawing(const WString& drawingRef) = 0;
-  virtual bool IsSharedChatActive() const = 0;
-  virtual bool OpenDrawingFile(const WString& localPath) = 0;
+  // Opens a drawing message's drawing through the host: checked in the
+  // group's space, a received one fetched into the download folder once
+  // (`message` and its stored row then name the copy); the user is told
+  // through `prompt` what went wrong.
+  virtual drawings::DrawingOpenStep OpenDrawing(MessageStru& message, host::UserPrompt& prompt) = 0;
 };
 
 std::unique_ptr<MessageViewSource> MakeMessageViewSource(CChatTools& tools);

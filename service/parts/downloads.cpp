@@ -25,19 +25,19 @@ void Downloads::Clear() {
   downloads_.clear();
 }
 
-void Downloads::Start(uint32_t key, DownloadState state) {
+void Downloads::Start(uint64_t key, DownloadState state) {
   std::lock_guard lock(mutex_);
   downloads_[key] = std::move(state);
 }
 
-std::optional<DownloadState> Downloads::Find(uint32_t key) const {
+std::optional<DownloadState> Downloads::Find(uint64_t key) const {
   std::lock_guard lock(mutex_);
   auto it = downloads_.find(key);
   if (it == downloads_.end()) return std::nullopt;
   return it->second;
 }
 
-std::optional<bool> Downloads::Complete(uint32_t key, std::string_view resultJson) {
+std::optional<bool> Downloads::Complete(uint64_t key, std::string_view resultJson) {
   Json::Value result;
   const bool parsed = ParseObject(resultJson, result);
   std::lock_guard lock(mutex_);

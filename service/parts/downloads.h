@@ -15,16 +15,16 @@ namespace service {
 class Downloads {
  public:
   void Clear();
-  void Start(uint32_t key, DownloadState state);
-  std::optional<DownloadState> Find(uint32_t key) const;
+  void Start(uint64_t key, DownloadState state);
+  std::optional<DownloadState> Find(uint64_t key) const;
   // A successful result (the SDK's JSON with the sizes): the entry is marked
   // downloaded. Returns whether the window should wait a moment before it
   // loads the file (pictures), none when the key is unknown.
-  std::optional<bool> Complete(uint32_t key, std::string_view resultJson);
+  std::optional<bool> Complete(uint64_t key, std::string_view resultJson);
 
  private:
   mutable std::mutex mutex_;
-  std::map<uint32_t, DownloadState> downloads_;
+  std::map<uint64_t, DownloadState> downloads_;
 };
 
 }  // namespace service

@@ -5,8 +5,16 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QListView>
+#include <QTest>
 #include <QTimer>
 
+#include <json/json.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "host/host_system.h"
 #include "host/local/engine_group_link.h"
 #include "host/local/local_host.h"
 #include "imsdk/engine_control.h"
@@ -16,6 +24,8 @@
 #include "service/module_counters.h"
 #include "store/chat_db.h"
 #include "tests/ui/test_window.h"
+#include "ui/kit/chat_list.h"
+#include "ui/kit/qt/control_ref.h"
 #include "ui/main/im_wnd.h"
 #include "ui/port/chat_window_port.h"
 
@@ -129,6 +139,89 @@ TEST_F(ChatWindowFlowTest, LeavingAGroupFromItsPanelRemovesItsConversationAndPag
   std::vector<MessageStru> stored;
   CChatDb::Instance().QueryCurrentConvMsg(groupId, u"10001", 10, stored);
   EXPECT_TRUE(stored.empty());
+  host.Uninstall();
+}
+
+// A received drawing in the message view: a double-click opens it through
+// the host (fetched once, its stored row pointed at the copy) and a click on
+// the sender's avatar opens the sender's card.
+TEST_F(ChatWindowFlowTest, ADrawingOpensOnADoubleClickAndAnAvatarOpensItsSendersCard) {
+  namespace fs = std::filesystem;
+  const fs::path root = fs::path(testing::TempDir()) / "flow-drawing";
+  fs::remove_all(root);
+  fs::create_directories(root);
+  host::local::LocalHost host((root / "space").string());
+  host.Install();
+  for (int32_t id : {10001, 10002}) {
+    host::local::LocalAccount account;
+    account.id = id;
+    host.AddAccount(account);
+  }
+  host::local::EngineGroupLink link(host);
+  ASSERT_EQ(engine_.CreateGroup("10002", "图纸评审组", {"10001"}, "gd"), "gd");
+  host.SignIn(10002);
+  std::ofstream(root / "stairs.dwg") << "AC1032 stairs";
+  WString ref;
+  ASSERT_TRUE(HostSystem::instance()->GetCloudService()->UploadSpaceFile(
+      0, platform::Utf8ToUtf16((root / "stairs.dwg").string()).c_str(), u"description", 0, ref, 0,
+      host.FindGroup(u"gd")->cloudGroupId, 0));
+  host.SignIn(10001);
+  Json::Value payload;
+  payload["msgType"] = 1;
+  payload["data"]["fileName"] = "stairs.dwg";
+  payload["data"]["fileRefId"] = platform::Utf16ToUtf8(ref);
+  payload["data"]["filePath"] = "/home/wang/stairs.dwg";
+  payload["data"]["subType"] = 1;
+  ASSERT_EQ(engine_.SendCustom("10002", kTIMConv_Group, "gd",
+                               Json::writeString(Json::StreamWriterBuilder(), payload)),
+            0);
+  ASSERT_TRUE(service::SignIn(tools_, u"10001", u"sig"));
+  ui::RowList& rows = window_.Conversations().rows();
+  ASSERT_TRUE(PumpUntil([&] { return rows.Find(u"gd") >= 0; }));
+  window_.Conversations().OpenConversation(u"gd");
+  ui::ChatList items(window_.FindControl("HisRecordList"));
+  ASSERT_TRUE(PumpUntil([&] { return items.Count() == 1; }));
+  auto* view = qobject_cast<QListView*>(ui::qt::WidgetOf(items.control()));
+  ASSERT_NE(view, nullptr);
+  ui::test::Pump(20);
+  const QRect item = view->visualRect(view->model()->index(0, 0));
+  // Where a template control of the item is, in viewport coordinates.
+  auto stampPoint = [&](const char* name) {
+    QWidget* control = view->findChild<QWidget*>(name);
+    QWidget* stamp = view->findChild<QWidget*>("FriendChatItem");
+    EXPECT_TRUE(control && stamp) << name;
+    if (!control || !stamp) return QPoint();
+    return item.topLeft() + control->mapTo(stamp, control->rect().center());
+  };
+
+  host.ClearCalls();
+  const QPoint bubble = view->viewport()->mapTo(view->window(), stampPoint("List_Item_RichEdit"));
+  window_.SendMessage(ui::kWmLButtonDblClk, 0, ui::MakeLParam(bubble.x(), bubble.y()));
+  std::vector<std::string> calls = host.CallNames();
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "OpenDrawingFile"), 1);
+  std::vector<MessageStru> stored;
+  CChatDb::Instance().QueryCurrentConvMsg(u"gd", u"10001", 10, stored);
+  ASSERT_EQ(stored.size(), 1u);
+  const WString copy = stored[0].elems.at(0).drawing.filePath;
+  EXPECT_NE(copy, u"/home/wang/stairs.dwg");
+  EXPECT_TRUE(fs::exists(platform::Utf16ToUtf8(copy)));
+  EXPECT_EQ(items.Object(0, 1).stateImage, u"../img/FileLoaded.png");
+
+  std::string cardId;
+  std::function<void()> look = [&] {
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+      if (w->objectName() != "CDisPlayUserInfoWindow" || !w->isVisible()) continue;
+      QWidget* id = w->findChild<QWidget*>("UserInfo_Id");
+      cardId = id ? id->property("text").toString().toStdString() : "?";
+      if (auto* close = w->findChild<QAbstractButton*>("UserInfo_closebtn")) close->click();
+      return;
+    }
+    QTimer::singleShot(5, look);
+  };
+  QTimer::singleShot(0, look);
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, stampPoint("FriendChatItem_Avatar"));
+  EXPECT_TRUE(PumpUntil([&] { return !cardId.empty(); }));
+  EXPECT_EQ(cardId, "账号: 10002");
   host.Uninstall();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // A message view source held in memory, recording what the view asks.
 
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -13,7 +14,7 @@ class FakeMessageSource : public service::MessageViewSource {
   struct DownloadCall {
     std::string param;
     WString path;
-    uint32_t key;
+    uint64_t key;
   };
   WString convId = u"c2c_10002";
   uint32_t convType = 1;
@@ -21,14 +22,12 @@ class FakeMessageSource : public service::MessageViewSource {
   std::vector<MessageStru> newMessages;
   std::vector<MessageStru> stored;  // oldest first
   std::vector<DownloadCall> downloads;
-  std::map<uint32_t, DownloadState> transfers;
+  std::map<uint64_t, DownloadState> transfers;
   std::map<uint32_t, MessageStru> sent;
   std::map<uint32_t, UploadProgress> uploads;
   int readReports = 0;
-  bool drawingService = true;
-  DrawingCheck drawingCheck = DrawingCheck::kExists;
-  bool sharedChat = false;
-  bool drawingOpens = true;
+  // What opening a drawing does; the path each asked for is recorded.
+  std::function<service::drawings::DrawingOpenStep(MessageStru&, host::UserPrompt&)> drawingOpen;
   std::vector<WString> drawingsOpened;
 
   WString CurrentConversation() const override { return convId; }
@@ -49,10 +48,10 @@ class FakeMessageSource : public service::MessageViewSource {
     return newestFirst;
   }
   void ReportRead(const WString&, uint32_t) override { ++readReports; }
-  void Download(const std::string& param, const WString& path, uint32_t key) override {
+  void Download(const std::string& param, const WString& path, uint64_t key) override {
     downloads.push_back({param, path, key});
   }
-  std::optional<DownloadState> Transfer(uint32_t key) const override {
+  std::optional<DownloadState> Transfer(uint64_t key) const override {
     auto it = transfers.find(key);
     if (it == transfers.end()) return std::nullopt;
     return it->second;
@@ -68,12 +67,11 @@ class FakeMessageSource : public service::MessageViewSource {
     if (it == uploads.end()) return std::nullopt;
     return it->second;
   }
-  bool HasDrawingService() const override { return drawingService; }
-  DrawingCheck CheckDrawing(const WString&) override { return drawingCheck; }
-  bool IsSharedChatActive() const override { return sharedChat; }
-  bool OpenDrawingFile(const WString& path) override {
-    drawingsOpened.push_back(path);
-    return drawingOpens;
+  service::drawings::DrawingOpenStep OpenDrawing(MessageStru& message,
+                                                 host::UserPrompt& prompt) override {
+    drawingsOpened.push_back(message.elems.empty() ? WString() : message.elems[0].drawing.filePath);
+    if (!drawingOpen) return service::drawings::DrawingOpenStep::kOpened;
+    return drawingOpen(message, prompt);
   }
 };
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QListView>
 #include <QWidget>
 
 #include <cstdlib>
@@ -163,9 +164,57 @@ TEST_F(MessageViewTest, TemplatesHeadersAndNoticesWhoeverSentThem) {
   EXPECT_EQ(list.Get(Row(mine), "MsgContainer", "bkcolor"), u"#FF4EC5CE");
   EXPECT_EQ(list.PlainText(Row(mine)), u"你好[微笑]");  // copied as its code
   EXPECT_EQ(list.PlainText(Row(selfNotice)), u"共享聊图已结束");
-  // The item resize rule: content height h gives item h + 45.
-  int row = Row(theirs);
-  EXPECT_EQ(list.ItemHeight(row), list.ContentSize(row).y + 45);
+  // The item resize rule, once laid out: content height h gives the bubble
+  // h + 10 and the item h + 45.
+  const int row = Row(theirs);
+  const int content = list.ContentSize(row).y;
+  EXPECT_EQ(list.ItemHeight(row), content + 45);
+  EXPECT_EQ(list.Get(row, "MsgContainer", "height"), platform::W(std::to_string(content + 10)));
+}
+
+// Items carry estimated heights until they come near the view; laying them
+// out for real there must not move what the reader is looking at.
+TEST_F(MessageViewTest, ItemsInViewAreLaidOutAndTheViewKeepsItsPlace) {
+  for (uint64_t i = 1; i <= 150; ++i) {
+    WString text = u"第" + platform::W(std::to_string(i)) + u"条";
+    for (uint64_t line = 0; line < i % 5; ++line) text += u"\nline of a longer message [微笑]";
+    source_.newMessages.push_back(Message(i, 1000 + i, {Text(text)}, i % 3 == 0));
+  }
+  window_.MoveWindow(ui::Rect{0, 0, 960, 680});
+  window_.ShowWindow(true, false);
+  controls_.chatModule.SelectItem(0);
+  Refresh();
+  ui::test::Pump(30);
+  ui::ChatList& list = view_->list();
+  ASSERT_EQ(list.Count(), 150);
+  std::vector<int> estimated;
+  for (int row = 0; row < list.Count(); ++row) estimated.push_back(list.ItemHeight(row));
+
+  ui::Control& control = controls_.hisRecordList;
+  control.SetScrollPos(control.GetScrollRange());
+  EXPECT_EQ(control.GetScrollPos(), control.GetScrollRange());  // still at the bottom
+  const int last = list.Count() - 1;
+  const int shownHeight = list.ItemHeight(last);
+  EXPECT_EQ(shownHeight, list.ContentSize(last).y + 45);
+
+  // Upwards a wheel notch at a time: the row at the top moves down by the
+  // notch exactly, whatever the rows above it turned out to be.
+  auto* view = qobject_cast<QListView*>(ui::qt::WidgetOf(control));
+  ASSERT_NE(view, nullptr);
+  while (control.GetScrollPos() > 60) {
+    QModelIndex top = view->indexAt(QPoint(view->viewport()->width() / 2, 1));
+    ASSERT_TRUE(top.isValid());
+    const int before = view->visualRect(top).top();
+    control.SetScrollPos(control.GetScrollPos() - 60);
+    ASSERT_EQ(view->visualRect(top).top(), before + 60) << "row " << top.row();
+  }
+  control.SetScrollPos(0);
+  EXPECT_EQ(control.GetScrollPos(), 0);
+  const int firstHeight = list.ItemHeight(0);
+  EXPECT_EQ(firstHeight, list.ContentSize(0).y + 45);
+  int corrected = 0;
+  for (int row = 0; row < list.Count(); ++row) corrected += list.ItemHeight(row) != estimated[row];
+  EXPECT_GT(corrected, 0);  // the estimates were not all right: the anchoring was needed
 }
 
 // The items are painted from their templates' stamps: the header, the
@@ -325,46 +374,33 @@ TEST_F(MessageViewTest, MessagesFarApartGetATimeLine) {
   EXPECT_EQ(list.TemplateOf(2), "SystemReminder.xml");
 }
 
-TEST_F(MessageViewTest, DrawingsOpenThroughTheHost) {
+// The drawing opens through the drawing service with the shown message; a
+// copy it fetched shows as downloaded, and its boxes reach the user.
+TEST_F(MessageViewTest, ADoubleClickedDrawingOpensThroughTheDrawingService) {
+  const std::string copy = testing::TempDir() + "message_view_stairs.dwg";
+  std::ofstream(copy) << "AC1032";
   ElemStru drawing = Elem(kElemCustom);
   drawing.drawing.subType = 1;
-  drawing.drawing.fileName = u"总图.dwg";
-  drawing.drawing.filePath = u"/tmp/总图.dwg";
+  drawing.drawing.fileName = u"stairs.dwg";
+  drawing.drawing.filePath = u"/home/wang/stairs.dwg";  // the sender's path
   source_.newMessages = {Message(1, 1000, {drawing})};
   Refresh();
   ui::ChatList& list = view_->list();
-  EXPECT_EQ(list.Object(0, 1).image, u"../img/DWG.png");
+  EXPECT_EQ(list.Object(0, 1).stateImage, u"");
   ui::Control edit = window_.FindControl("ChatWindow_SendrichEdit");  // any control
   edit.SetUserData(platform::W(std::to_string(list.ItemId(0))));
-  using Check = service::MessageViewSource::DrawingCheck;
-  struct Case {
-    bool service;
-    Check check;
-    bool shared;
-    bool opens;
-    size_t opened;
-    const char16_t* box;
+
+  source_.drawingOpen = [&](MessageStru& message, host::UserPrompt& prompt) {
+    message.elems[0].drawing.filePath = platform::Utf8ToUtf16(copy);
+    prompt.ShowMessage(u"打开图纸", u"打开图纸失败!!!");
+    return service::drawings::DrawingOpenStep::kOpenFailed;
   };
-  const Case cases[] = {
-      {false, Check::kExists, false, true, 0, nullptr},
-      {true, Check::kGone, false, true, 0, u"错误|图纸不存在或已被删除!"},
-      {true, Check::kFailed, false, true, 0, nullptr},
-      {true, Check::kExists, true, true, 0, nullptr},
-      {true, Check::kExists, false, false, 1, u"打开图纸|打开图纸失败!!!"},
-      {true, Check::kExists, false, true, 1, nullptr},
-  };
-  for (const Case& c : cases) {
-    source_.drawingService = c.service;
-    source_.drawingCheck = c.check;
-    source_.sharedChat = c.shared;
-    source_.drawingOpens = c.opens;
-    source_.drawingsOpened.clear();
-    boxes_.clear();
-    view_->OpenAttachment(edit);
-    EXPECT_EQ(source_.drawingsOpened.size(), c.opened);
-    WString box = boxes_.empty() ? WString() : boxes_[0];
-    EXPECT_EQ(box, c.box ? WString(c.box) : WString());
-  }
+  view_->OpenAttachment(edit);
+  ASSERT_EQ(source_.drawingsOpened.size(), 1u);
+  EXPECT_EQ(source_.drawingsOpened[0], u"/home/wang/stairs.dwg");
+  EXPECT_EQ(boxes_, std::vector<WString>{u"打开图纸|打开图纸失败!!!"});
+  EXPECT_EQ(list.Object(0, 1).stateImage, u"../img/FileLoaded.png");
+  EXPECT_EQ(list.ObjectCount(0), 1);
 }
 
 }  // namespace

@@ -29,10 +29,12 @@ ItemRef ItemAt(const Control& list, int row) {
   return ItemRef{view, view ? view->items()->At(row) : nullptr};
 }
 
-// The content changed: laid out again when next needed.
+// The content changed: laid out again when next needed, its height estimated
+// again meanwhile.
 void ContentChanged(const ItemRef& ref, int row) {
   ref.item->doc.reset();
-  ref.view->items()->Changed(row, false);
+  ref.item->measured = false;
+  ref.view->items()->Changed(row, ref.view->Fit(*ref.item, false));
 }
 
 }  // namespace
@@ -50,7 +52,7 @@ int ChatList::Count() const {
   return view ? view->items()->rowCount() : 0;
 }
 
-int ChatList::Add(std::string_view skinFile, uint32_t itemId, int index) {
+int ChatList::Add(std::string_view skinFile, uint64_t itemId, int index) {
   qt::ChatListView* view = ViewOf(list_);
   QString file = ToQ(skinFile);
   const qt::ChatTemplate* tpl = view ? view->Template(file) : nullptr;
@@ -62,12 +64,12 @@ int ChatList::Add(std::string_view skinFile, uint32_t itemId, int index) {
   return view->items()->Insert(index, std::move(item));
 }
 
-int ChatList::Find(uint32_t itemId) const {
+int ChatList::Find(uint64_t itemId) const {
   qt::ChatListView* view = ViewOf(list_);
   return view ? view->items()->Find(itemId) : -1;
 }
 
-uint32_t ChatList::ItemId(int row) const {
+uint64_t ChatList::ItemId(int row) const {
   ItemRef ref = ItemAt(list_, row);
   return ref ? ref.item->itemId : 0;
 }
@@ -90,8 +92,11 @@ void ChatList::Set(int row, std::string_view control, std::string_view attribute
   if (stored == wanted) return;
   stored = wanted;
   // The inset changes where the content wraps.
-  if (attribute == "inset") ref.item->doc.reset();
-  ref.view->items()->Changed(row, false);
+  if (attribute == "inset") {
+    ContentChanged(ref, row);
+  } else {
+    ref.view->items()->Changed(row, false);
+  }
 }
 
 WString ChatList::Get(int row, std::string_view control, std::string_view attribute) const {
@@ -144,18 +149,21 @@ ChatObject ChatList::Object(int row, int objectId) const {
   return ref.item->blocks[static_cast<size_t>(objectId - 1)].object;
 }
 
+void ChatList::FitToContent(int row, const ChatFit& fit) {
+  ItemRef ref = ItemAt(list_, row);
+  if (!ref) return;
+  if (ref.item->fit == fit) return;  // estimated or measured already
+  ref.item->fit = fit;
+  ref.item->measured = false;
+  ref.view->items()->Changed(row, ref.view->Fit(*ref.item, false));
+}
+
 Point ChatList::ContentSize(int row) const {
   ItemRef ref = ItemAt(list_, row);
   if (!ref) return {};
+  if (ref.view->Fit(*ref.item, true)) ref.view->items()->Changed(row, true);
   QSize size = ref.view->ContentSize(*ref.item);
   return Point{size.width(), size.height()};
-}
-
-void ChatList::SetItemHeight(int row, int height) {
-  ItemRef ref = ItemAt(list_, row);
-  if (!ref || ref.item->height == height) return;
-  ref.item->height = height;
-  ref.view->items()->Changed(row, true);
 }
 
 int ChatList::ItemHeight(int row) const {

@@ -4,7 +4,10 @@
 // (emoticons) and embedded objects (pictures, file icons) that are inserted
 // once and then updated in place. Items are data: only those on screen are
 // drawn (by one stamp per template), so long histories cost records, not
-// widgets.
+// widgets. An item that follows its content's size has an estimated height
+// until it comes into view (or its size is asked for): only then is its
+// content laid out, and the view keeps its place while estimates are
+// corrected.
 //
 // An item is found by its item id, which its List_Item_RichEdit carries as
 // user data (double-clicks and notifications name that control).
@@ -40,6 +43,17 @@ struct ChatObject {
   bool operator==(const ChatObject&) const = default;
 };
 
+// How an item follows its content: the item is the content's height plus
+// `itemExtra` high; the rich edit is the content's height plus `editExtra`,
+// and with a bubble (MsgContainer) the bubble is that high too and the rich
+// edit as wide as the content.
+struct ChatFit {
+  int itemExtra = 0;
+  int editExtra = 0;
+  bool bubble = false;
+  bool operator==(const ChatFit&) const = default;
+};
+
 class ChatList {
  public:
   ChatList() = default;
@@ -52,10 +66,10 @@ class ChatList {
   int Count() const;
   // Adds an item made from the template skin at `index` (-1: at the end) and
   // returns its index; -1 when the template cannot be loaded.
-  int Add(std::string_view skinFile, uint32_t itemId, int index = -1);
+  int Add(std::string_view skinFile, uint64_t itemId, int index = -1);
   // The row of the item with this id, or -1.
-  int Find(uint32_t itemId) const;
-  uint32_t ItemId(int row) const;
+  int Find(uint64_t itemId) const;
+  uint64_t ItemId(int row) const;
   // The template file the item was made from.
   std::string TemplateOf(int row) const;
   void RemoveAll();
@@ -71,9 +85,12 @@ class ChatList {
   bool UpdateObject(int row, int objectId, const ChatObject& object);
   int ObjectCount(int row) const;
   ChatObject Object(int row, int objectId) const;
-  // The content laid out at the widest the item allows: its width and height.
+  // The item follows its content from now on (see ChatFit): estimated at
+  // once, laid out when it comes into view.
+  void FitToContent(int row, const ChatFit& fit);
+  // The content laid out at the widest the item allows: its width and
+  // height. An item that follows its content takes its real size now.
   Point ContentSize(int row) const;
-  void SetItemHeight(int row, int height);
   int ItemHeight(int row) const;
   // What a copy of the item gives.
   WString PlainText(int row) const;

@@ -62,6 +62,10 @@ void CIMWnd::OnClick(ui::TNotifyUI& msg) {
   const std::string name = msg.pSender.GetName();
   const ui::Control& sender = msg.pSender;
   auto openItem = [&] { conversations_->OpenItem(sender); };
+  // A message's avatar carries its sender's id.
+  auto openSenderInfo = [&] {
+    if (!sender.GetUserData().empty()) dialogs_->OpenUserInfo(sender.GetUserData());
+  };
   auto thenFocusComposer = [&](const std::function<void()>& act) {
     return [&, act] {
       act();
@@ -132,6 +136,8 @@ void CIMWnd::OnClick(ui::TNotifyUI& msg) {
       {"AddFriendRequire_FriendImage", false, [] {}},
       {"AddFriendRequire_NickName", false, [] {}},
       {"FriendRequire_ConfirmBtn", false, [&] { friends_->AcceptRequest(sender); }},
+      {"FriendChatItem_Avatar", true, openSenderInfo},
+      {"MyselfChatItem_Avatar", true, openSenderInfo},
   };
   for (const Route& route : routes) {
     if (route.exactCase ? name == route.name : EqualsNoCase(name, route.name)) {

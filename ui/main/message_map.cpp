@@ -14,9 +14,8 @@ bool SameMessage(const MessageStru& a, const MessageStru& b) {
 
 }  // namespace
 
-uint32_t MessageMap::ItemIdFor(const MessageStru& message) {
-  if (message.local_id != 0 && message.local_id < kFirstStoredItemId) return message.local_id;
-  if (nextItemId_ == 0) nextItemId_ = kFirstStoredItemId;
+uint64_t MessageMap::ItemIdFor(const MessageStru& message) {
+  if (message.local_id != 0) return message.local_id;
   return nextItemId_++;
 }
 
@@ -55,7 +54,7 @@ size_t MessageMap::Count(const WString& convId) const {
   return it == conversations_.end() ? 0 : it->second.size();
 }
 
-ShownMessage* MessageMap::FindItem(uint32_t itemId, WString* convId) {
+ShownMessage* MessageMap::FindItem(uint64_t itemId, WString* convId) {
   for (auto& [id, list] : conversations_) {
     for (ShownMessage& shown : list) {
       if (shown.itemId != itemId) continue;

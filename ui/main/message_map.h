@@ -28,32 +28,33 @@ struct ShownElem {
 struct ShownMessage {
   MessageStru message;
   std::vector<ShownElem> elems;  // one per message element
-  uint32_t itemId = 0;
+  uint64_t itemId = 0;
   bool visible = true;
   bool readMarked = false;
 };
 
 class MessageMap {
  public:
-  // Item ids of messages without a local id start here, above the local ids
-  // the service hands out (so 3164's local id is also the item id).
-  static constexpr uint32_t kFirstStoredItemId = 0x80000000u;
+  // Item ids of messages without a local id start here, beyond every local id
+  // the service can hand out (32-bit), so 3164's local id is also the item
+  // id and the two never meet.
+  static constexpr uint64_t kFirstStoredItemId = uint64_t{1} << 32;
 
   // Adds the messages not held yet, in time order; returns how many were new.
   size_t Merge(const WString& convId, const std::vector<MessageStru>& messages);
   std::vector<ShownMessage>* Find(const WString& convId);
   size_t Count(const WString& convId) const;
-  ShownMessage* FindItem(uint32_t itemId, WString* convId = nullptr);
+  ShownMessage* FindItem(uint64_t itemId, WString* convId = nullptr);
   void Forget(const WString& convId);
   // Forgets every conversation (sign-out). Item ids go on counting: a late
   // 3164 of the ended session names no item of the next one.
   void Clear() { conversations_.clear(); }
 
  private:
-  uint32_t ItemIdFor(const MessageStru& message);
+  uint64_t ItemIdFor(const MessageStru& message);
 
   std::map<WString, std::vector<ShownMessage>> conversations_;
-  uint32_t nextItemId_ = kFirstStoredItemId;
+  uint64_t nextItemId_ = kFirstStoredItemId;
 };
 
 }  // namespace ui::main

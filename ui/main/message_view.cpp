@@ -15,16 +15,21 @@ namespace {
 // The window's 50 ms scroll to the bottom (CIMWnd::kScrollToBottomTimer).
 constexpr unsigned kScrollToBottomTimer = 9996;
 constexpr unsigned kScrollDelayMs = 50;
+// 3164 names an item by its 64-bit id.
+static_assert(sizeof(WPARAM) >= sizeof(uint64_t));
 // Refresh mode 3: rebuild after an older page, then to the top.
 constexpr WPARAM kShowOlderPage = 3;
 
 constexpr std::string_view kRichEdit = "List_Item_RichEdit";
 constexpr std::string_view kContainer = "MsgContainer";
 constexpr std::string_view kHeader = "List_Item_Edit";
+constexpr std::string_view kOwnAvatar = "MyselfChatItem_Avatar";
+constexpr std::string_view kFriendAvatar = "FriendChatItem_Avatar";
 
-WString Num(int value) {
-  return platform::W(std::to_string(value));
-}
+// The resize rule: a bubble and its rich edit are the content's height h
+// plus 10, the item h + 45; a system line is h + 12.
+constexpr ChatFit kBubbleFit{45, 10, true};
+constexpr ChatFit kLineFit{12, 0, false};
 
 WString Image(std::u16string_view name) {
   return u"../img/" + WString(name);
@@ -52,10 +57,6 @@ WString SafeName(WString name) {
 int Percent(const ShownElem& view) {
   if (view.totalSize == 0) return -1;
   return static_cast<int>(view.currentSize * 100 / view.totalSize);
-}
-
-bool IsDrawing(const ElemStru& elem) {
-  return elem.elem_type == kElemCustom && elem.drawing.subType == kCustomDrawing;
 }
 
 uint32_t SendState(const MessageStru& message) {
@@ -145,6 +146,9 @@ int MessageView::CreateItem(ShownMessage& shown, const ElemStru& elem, int at) {
     view.rendered = false;
   }
   if (skin != kSystemReminderTemplate) {
+    // A click on the avatar names the sender.
+    list_.Set(row, shown.message.is_from_self ? kOwnAvatar : kFriendAvatar, "userdata",
+              shown.message.sender);
     list_.Set(row, kContainer, "bkcolor", shown.message.is_from_self ? u"#FF4EC5CE" : u"#FFFFFFFF");
     list_.Set(row, kRichEdit, "inset", u"10,10,10,10");
   }
@@ -155,9 +159,7 @@ void MessageView::AddSeparator(std::time_t time, int at) {
   int row = list_.Add(kSystemReminderTemplate, 0, at);
   if (row < 0) return;
   list_.AppendText(row, {ChatRun{SeparatorText(time, Now()), WString()}});
-  Point size = list_.ContentSize(row);
-  list_.Set(row, kRichEdit, "height", Num(size.y));
-  list_.SetItemHeight(row, size.y + 12);
+  list_.FitToContent(row, kLineFit);
 }
 
 void MessageView::Render(int row, ShownMessage& shown, size_t index) {
@@ -246,7 +248,8 @@ void MessageView::RenderPicture(int row, ShownMessage& shown, size_t index) {
     } else if (!elem.thumb_download_param.empty() || !elem.orig_download_param.empty()) {
       const std::string& param =
           elem.thumb_download_param.empty() ? elem.orig_download_param : elem.thumb_download_param;
-      WString id = elem.thumb_id.empty() ? Num(static_cast<int>(shown.itemId)) : elem.thumb_id;
+      WString id =
+          elem.thumb_id.empty() ? platform::W(std::to_string(shown.itemId)) : elem.thumb_id;
       StartDownload(shown, view, param,
                     JoinPath(source_.DownloadFolder(), u"thumb_" + SafeName(id)));
     }
@@ -313,7 +316,8 @@ void MessageView::RenderVideo(int row, ShownMessage& shown, size_t index) {
   const ElemStru& elem = shown.message.elems[index];
   ShownElem& view = shown.elems[index];
   if (view.transfer == TransferState::kNone && !elem.download_param.empty()) {
-    WString name = elem.video_id.empty() ? Num(static_cast<int>(shown.itemId)) : elem.video_id;
+    WString name =
+        elem.video_id.empty() ? platform::W(std::to_string(shown.itemId)) : elem.video_id;
     StartDownload(shown, view, elem.download_param,
                   JoinPath(source_.DownloadFolder(), u"video_" + SafeName(name)));
   }
@@ -337,21 +341,12 @@ void MessageView::RenderGeneric(int row, ShownMessage& shown, size_t index) {
   view.rendered = true;
 }
 
-void MessageView::ResizeItem(uint32_t itemId) {
+void MessageView::ResizeItem(uint64_t itemId) {
   int row = list_.Find(itemId);
   if (row < 0) return;
   Control& view = controls_.hisRecordList;
   bool atBottom = view.GetScrollPos() == view.GetScrollRange();
-  Point size = list_.ContentSize(row);
-  if (!list_.Get(row, kContainer, "bkcolor").empty()) {
-    list_.Set(row, kRichEdit, "height", Num(size.y + 10));
-    list_.Set(row, kRichEdit, "width", Num(size.x));
-    list_.Set(row, kContainer, "height", Num(size.y + 10));
-    list_.SetItemHeight(row, size.y + 45);
-  } else {
-    list_.Set(row, kRichEdit, "height", Num(size.y));
-    list_.SetItemHeight(row, size.y + 12);
-  }
+  list_.FitToContent(row, list_.Get(row, kContainer, "bkcolor").empty() ? kLineFit : kBubbleFit);
   if (!IsLoadingOlder() && atBottom) {
     window_.KillTimer(kScrollToBottomTimer);
     window_.SetTimer(kScrollToBottomTimer, kScrollDelayMs);
@@ -411,7 +406,7 @@ void MessageView::FollowTransfer(ShownMessage& shown) {
 
 void MessageView::OnTransferChanged(WPARAM requestKey, LPARAM) {
   WString convId;
-  uint32_t itemId = static_cast<uint32_t>(requestKey);
+  const uint64_t itemId = requestKey;
   ShownMessage* shown = messages_.FindItem(itemId, &convId);
   if (!shown || convId != source_.CurrentConversation()) return;
   FollowTransfer(*shown);
@@ -427,7 +422,7 @@ void MessageView::OnTransferChanged(WPARAM requestKey, LPARAM) {
         Render(row, *shown, i);
         break;
       case kElemCustom:
-        if (IsDrawing(elem)) Render(row, *shown, i);
+        if (IsDrawingElem(elem)) Render(row, *shown, i);
         break;
       default:
         list_.Set(row, kHeader, "text", Header(*shown));

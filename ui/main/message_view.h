@@ -48,7 +48,7 @@ class MessageView : public MessageViewRoutes {
 
   // The resize rule for one item, then the jump back to the bottom when the
   // view was there.
-  void ResizeItem(uint32_t itemId);
+  void ResizeItem(uint64_t itemId);
 
   MessageMap& messages() { return messages_; }
   ChatList& list() { return list_; }
@@ -75,7 +75,8 @@ class MessageView : public MessageViewRoutes {
   void FollowTransfer(ShownMessage& shown);
   WString SenderName(const MessageStru& message) const;
   WString Header(const ShownMessage& shown) const;
-  void OpenDrawing(const ElemStru& elem);
+  class ViewPrompt;
+  void OpenDrawing(ShownMessage& shown);
   void ShowBox(const WString& title, const WString& text);
   void Post(unsigned msg, WPARAM wParam);
   std::time_t Now() const;

@@ -1,26 +1,40 @@
 // Opening what a message holds, on a double-click on its item.
 
-#include "platform/trace.h"
+#include "host/user_prompt.h"
 #include "ui/dialogs/chat_message_box.h"
 #include "ui/main/message_view.h"
 
 namespace ui::main {
 namespace {
 
-uint32_t ItemIdOf(const Control& richEdit) {
+uint64_t ItemIdOf(const Control& richEdit) {
   WString text = richEdit.GetUserData();
   uint64_t id = 0;
   for (char16_t c : text) {
-    if (c < u'0' || c > u'9' || id > UINT32_MAX) return 0;
-    id = id * 10 + static_cast<uint64_t>(c - u'0');
+    const uint64_t digit = static_cast<uint64_t>(c - u'0');
+    if (c < u'0' || c > u'9' || id > (UINT64_MAX - digit) / 10) return 0;
+    id = id * 10 + digit;
   }
-  return id > UINT32_MAX ? 0 : static_cast<uint32_t>(id);
+  return id;
 }
 
 }  // namespace
 
+// Opening asks nothing: questions are not expected, and are answered no.
+class MessageView::ViewPrompt final : public host::UserPrompt {
+ public:
+  explicit ViewPrompt(MessageView& view) : view_(view) {}
+  void ShowMessage(const WString& title, const WString& text) override {
+    view_.ShowBox(title, text);
+  }
+  bool Confirm(const WString&, const WString&) override { return false; }
+
+ private:
+  MessageView& view_;
+};
+
 void MessageView::OpenAttachment(const Control& richEdit) {
-  uint32_t itemId = ItemIdOf(richEdit);
+  const uint64_t itemId = ItemIdOf(richEdit);
   ShownMessage* shown = itemId == 0 ? nullptr : messages_.FindItem(itemId);
   if (!shown || shown->message.elems.empty()) return;
   const ElemStru& elem = shown->message.elems.front();
@@ -30,7 +44,7 @@ void MessageView::OpenAttachment(const Control& richEdit) {
       if (view.transfer == TransferState::kDone) desktop_.OpenFile(view.localPath);
       break;
     case kElemCustom:
-      if (elem.drawing.subType == kCustomDrawing) OpenDrawing(elem);
+      if (IsDrawingElem(elem)) OpenDrawing(*shown);
       break;
     case kElemFile:
       if (view.own || view.transfer == TransferState::kDone) desktop_.ShowInFolder(view.localPath);
@@ -43,23 +57,16 @@ void MessageView::OpenAttachment(const Control& richEdit) {
   }
 }
 
-void MessageView::OpenDrawing(const ElemStru& elem) {
-  if (!source_.HasDrawingService()) return;
-  const DrawingMsgStru& drawing = elem.drawing;
-  WString ref =
-      drawing.fileRefId.empty() ? platform::W(std::to_string(drawing.fileId)) : drawing.fileRefId;
-  switch (source_.CheckDrawing(ref)) {
-    case service::MessageViewSource::DrawingCheck::kGone:
-      ShowBox(u"错误", u"图纸不存在或已被删除!");
-      return;
-    case service::MessageViewSource::DrawingCheck::kFailed:
-      platform::Trace("OpenDrawing: the host could not check drawing %d", drawing.fileId);
-      return;
-    case service::MessageViewSource::DrawingCheck::kExists:
-      break;
+// The drawing opens through the host; a copy fetched now shows as
+// downloaded.
+void MessageView::OpenDrawing(ShownMessage& shown) {
+  ViewPrompt prompt(*this);
+  source_.OpenDrawing(shown.message, prompt);
+  const int row = list_.Find(shown.itemId);
+  if (row < 0) return;
+  for (size_t i = 0; i < shown.message.elems.size(); ++i) {
+    if (IsDrawingElem(shown.message.elems[i])) Render(row, shown, i);
   }
-  if (source_.IsSharedChatActive()) return;
-  if (!source_.OpenDrawingFile(drawing.filePath)) ShowBox(u"打开图纸", u"打开图纸失败!!!");
 }
 
 void MessageView::ShowBox(const WString& title, const WString& text) {

@@ -19,6 +19,10 @@ WString Ascii(const char* text) {
 
 }  // namespace
 
+bool IsDrawingElem(const ElemStru& elem) {
+  return elem.elem_type == kElemCustom && elem.drawing.subType == kCustomDrawing;
+}
+
 bool IsNotice(const ElemStru& elem) {
   return elem.elem_type == kElemLocalNotice ||
          (elem.elem_type == kElemCustom && elem.drawing.subType == kCustomNotice);

@@ -23,6 +23,8 @@ inline constexpr int32_t kCustomNotice = 2;
 // Notices (kind -1, custom sub-type 2) get the system line whoever sent them.
 std::string_view TemplateFor(const ElemStru& elem, bool fromSelf);
 bool IsNotice(const ElemStru& elem);
+// A custom element carrying a drawing file.
+bool IsDrawingElem(const ElemStru& elem);
 
 // "<name> YYYY/MM/DD HH:MM" in local time.
 WString ItemHeader(const WString& senderName, std::time_t time);

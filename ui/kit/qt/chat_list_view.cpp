@@ -7,6 +7,7 @@
 #include <QImageReader>
 #include <QKeyEvent>
 #include <QLayout>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
 #include <QScrollBar>
@@ -28,6 +29,12 @@ constexpr int kEmoticonSide = 24;
 constexpr int kProgressWidth = 160;
 constexpr int kProgressHeight = 6;
 constexpr int kFallbackWidth = 600;
+// An image not shown yet is guessed this high (the file icons' height).
+constexpr int kIconGuess = 48;
+// Documents kept beyond the rows near the view before they are dropped.
+constexpr int kSpareDocuments = 64;
+// Layouts in a row while estimates near the view are corrected.
+constexpr int kMeasurePasses = 4;
 
 QString Key(const QString& control, const QString& attribute) {
   return control + u'\n' + attribute;
@@ -54,15 +61,16 @@ QImage ProgressImage(int percent) {
 }
 
 // Inline images (emoticons, state marks) sit on the text's middle line.
-void InsertImage(QTextDocument& doc, QTextCursor& cursor, const QString& path, int maxSide,
-                 bool middle = false) {
+// Returns the size shown.
+QSize InsertImage(QTextDocument& doc, QTextCursor& cursor, const QString& path, int maxSide,
+                  bool middle = false) {
   const QImage& image = CachedImage(path);
   doc.addResource(QTextDocument::ImageResource, QUrl(path), image);
   QTextImageFormat format;
   format.setName(path);
   if (middle) format.setVerticalAlignment(QTextCharFormat::AlignMiddle);
+  QSize size = image.size();
   if (!image.isNull() && maxSide > 0) {
-    QSize size = image.size();
     if (size.width() > maxSide || size.height() > maxSide) {
       size.scale(maxSide, maxSide, Qt::KeepAspectRatio);
     }
@@ -70,12 +78,15 @@ void InsertImage(QTextDocument& doc, QTextCursor& cursor, const QString& path, i
     format.setHeight(size.height());
   }
   cursor.insertImage(format);
+  return size;
 }
 
-void InsertObject(QTextDocument& doc, QTextCursor& cursor, const QWidget* list,
-                  const ChatObject& object) {
+// Returns the size the object's image is shown at (invalid: none).
+QSize InsertObject(QTextDocument& doc, QTextCursor& cursor, const QWidget* list,
+                   const ChatObject& object) {
+  QSize shown;
   if (!object.image.empty()) {
-    InsertImage(doc, cursor, ChatImagePath(list, object.image), object.maxSide);
+    shown = InsertImage(doc, cursor, ChatImagePath(list, object.image), object.maxSide);
   }
   QString caption = ToQ(object.caption);
   if (!caption.isEmpty()) {
@@ -95,6 +106,7 @@ void InsertObject(QTextDocument& doc, QTextCursor& cursor, const QWidget* list,
     cursor.insertImage(format);
     cursor.insertText(QStringLiteral(" %1%").arg(object.progress));
   }
+  return shown;
 }
 
 // The rich edit's inset: the item's own value, else the template's.
@@ -199,7 +211,7 @@ int ChatModel::Insert(int index, std::unique_ptr<ChatItem> item) {
   BeginBatch();
   int count = static_cast<int>(items_.size());
   if (index < 0 || index > count) index = count;
-  uint32_t id = item->itemId;
+  uint64_t id = item->itemId;
   items_.insert(items_.begin() + index, std::move(item));
   if (index == count) {
     index_[id] = index;
@@ -222,7 +234,7 @@ void ChatModel::Clear() {
   EndBatch();
 }
 
-int ChatModel::Find(uint32_t itemId) const {
+int ChatModel::Find(uint64_t itemId) const {
   auto it = index_.find(itemId);
   return it == index_.end() ? -1 : it->second;
 }
@@ -279,11 +291,8 @@ ChatListView::ChatListView(QWidget* parent) : QListView(parent), model_(new Chat
     executeDelayedItemsLayout();
     verticalScrollBar()->setValue(*keep);
   });
-  connect(model_, &ChatModel::heightsChanged, this, [this] {
-    int keepAt = verticalScrollBar()->value();
-    doItemsLayout();
-    verticalScrollBar()->setValue(keepAt);
-  });
+  connect(model_, &ChatModel::heightsChanged, this, [this] { doItemsLayout(); });
+  connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { MeasureRowsInView(); });
 }
 
 const ChatTemplate* ChatListView::Template(const QString& skinFile) {
@@ -304,6 +313,12 @@ const ChatTemplate* ChatListView::Template(const QString& skinFile) {
     tpl.richEdit =
         qobject_cast<QTextEdit*>(tpl.controls.value(QStringLiteral("List_Item_RichEdit")));
     tpl.container = tpl.controls.value(QStringLiteral("MsgContainer"));
+    if (tpl.richEdit) {
+      QFontMetrics metrics(tpl.richEdit->font());
+      tpl.lineHeight = metrics.lineSpacing();
+      tpl.wideAdvance = metrics.horizontalAdvance(QChar(0x4E2D));
+      tpl.narrowAdvance = metrics.averageCharWidth();
+    }
   }
   it = templates_.insert(skinFile, tpl);
   return it->stamp ? &*it : nullptr;
@@ -366,7 +381,8 @@ QTextDocument* ChatListView::Document(const ChatItem& item) {
     if (!first) cursor.insertBlock();
     first = false;
     if (block.isObject) {
-      InsertObject(*doc, cursor, this, block.object);
+      QSize shown = InsertObject(*doc, cursor, this, block.object);
+      if (shown.isValid()) imageSizes_.insert(ToQ(block.object.image), shown);
       continue;
     }
     for (const ChatRun& run : block.runs) {
@@ -379,6 +395,7 @@ QTextDocument* ChatListView::Document(const ChatItem& item) {
   }
   if (tpl) doc->setTextWidth(WrapWidth(item, *tpl));
   item.doc = std::move(doc);
+  ++documentsMade_;
   return item.doc.get();
 }
 
@@ -388,6 +405,144 @@ QSize ChatListView::ContentSize(const ChatItem& item) {
   int width = static_cast<int>(std::ceil(doc->idealWidth())) + inset.left() + inset.right();
   int height = static_cast<int>(std::ceil(doc->size().height())) + inset.top() + inset.bottom();
   return QSize(width, height);
+}
+
+// Text lines by their estimated width; objects by their image (as shown
+// before, else guessed), caption lines and progress bar.
+int ChatListView::EstimateContentHeight(const ChatItem& item, const ChatTemplate& tpl,
+                                        int wrapWidth) const {
+  int height = 0;
+  for (const ChatBlock& block : item.blocks) {
+    if (block.isObject) {
+      const ChatObject& object = block.object;
+      int lines = object.caption.empty() ? 0 : 1;
+      for (char16_t c : object.caption) lines += c == u'\n' ? 1 : 0;
+      if (!object.image.empty()) {
+        QSize shown = imageSizes_.value(ToQ(object.image));
+        height += shown.isValid()      ? shown.height()
+                  : object.maxSide > 0 ? object.maxSide
+                                       : kIconGuess;
+      }
+      height += lines * tpl.lineHeight;
+      if (object.progress >= 0) height += tpl.lineHeight;
+      continue;
+    }
+    int lineHeight = tpl.lineHeight;
+    int lines = 0;
+    int width = 0;  // of the paragraph being estimated
+    for (const ChatRun& run : block.runs) {
+      if (!run.image.empty()) {
+        width += kEmoticonSide;
+        lineHeight = std::max(lineHeight, kEmoticonSide + 2);
+        continue;
+      }
+      for (char16_t c : run.text) {
+        if (c == u'\n') {
+          lines += std::max(1, (width + wrapWidth - 1) / wrapWidth);
+          width = 0;
+        } else {
+          width += c >= 0x2E80 ? tpl.wideAdvance : tpl.narrowAdvance;
+        }
+      }
+    }
+    lines += std::max(1, (width + wrapWidth - 1) / wrapWidth);
+    height += lines * lineHeight;
+  }
+  return height;
+}
+
+bool ChatListView::Fit(ChatItem& item, bool measure) {
+  const ChatTemplate* tpl = Template(item.skinFile);
+  if (!item.fit || !tpl) return false;
+  const ChatFit& fit = *item.fit;
+  const int wrapWidth = WrapWidth(item, *tpl);
+  if (item.measured && item.measuredWidth == wrapWidth) return false;
+  const int before = item.height;
+  if (measure) {
+    if (item.doc && item.measuredWidth != wrapWidth) item.doc.reset();
+    QSize content = ContentSize(item);
+    const QString edit = QStringLiteral("List_Item_RichEdit");
+    item.values.insert(Key(edit, QStringLiteral("height")),
+                       QString::number(content.height() + fit.editExtra));
+    if (fit.bubble) {
+      item.values.insert(Key(edit, QStringLiteral("width")), QString::number(content.width()));
+      item.values.insert(Key(QStringLiteral("MsgContainer"), QStringLiteral("height")),
+                         QString::number(content.height() + fit.editExtra));
+    }
+    item.height = content.height() + fit.itemExtra;
+    item.measured = true;
+    item.measuredWidth = wrapWidth;
+  } else {
+    QMargins inset = InsetOf(item, tpl);
+    item.height =
+        EstimateContentHeight(item, *tpl, wrapWidth) + inset.top() + inset.bottom() + fit.itemExtra;
+  }
+  return item.height != before;
+}
+
+void ChatListView::doItemsLayout() {
+  const int keep = verticalScrollBar()->value();
+  QListView::doItemsLayout();
+  verticalScrollBar()->setValue(keep);
+  MeasureRowsInView();
+}
+
+int ChatListView::FirstRowReaching(int y) const {
+  int low = 0;
+  int high = model_->rowCount();
+  while (low < high) {
+    const int mid = (low + high) / 2;
+    if (visualRect(model_->index(mid)).bottom() < y) {
+      low = mid + 1;
+    } else {
+      high = mid;
+    }
+  }
+  return low;
+}
+
+void ChatListView::MeasureRowsInView() {
+  const int count = model_->rowCount();
+  if (measuring_ || count == 0) return;
+  measuring_ = true;
+  QScrollBar* bar = verticalScrollBar();
+  const int height = viewport()->height();
+  const int reach = height / 2;  // rows this near are measured before they show
+  for (int pass = 0; pass < kMeasurePasses; ++pass) {
+    const bool atBottom = bar->maximum() > 0 && bar->value() >= bar->maximum();
+    const int anchor = std::min(FirstRowReaching(0), count - 1);
+    const int anchorOffset = rectForIndex(model_->index(anchor)).top() - bar->value();
+    const int first = FirstRowReaching(-reach);
+    int last = first;
+    bool changed = false;
+    for (int row = first; row < count; ++row) {
+      if (visualRect(model_->index(row)).top() > height + reach) break;
+      last = row;
+      changed = Fit(*model_->At(row), true) || changed;
+    }
+    KeepDocumentsNearView(first, last);
+    if (!changed) break;
+    QListView::doItemsLayout();
+    bar->setValue(atBottom ? bar->maximum()
+                           : rectForIndex(model_->index(anchor)).top() - anchorOffset);
+  }
+  measuring_ = false;
+}
+
+void ChatListView::KeepDocumentsNearView(int first, int last) {
+  if (documentsMade_ <= kSpareDocuments) return;
+  const int count = model_->rowCount();
+  for (int row = 0; row < count; ++row) {
+    if (row < first || row > last) model_->At(row)->doc.reset();
+  }
+  documentsMade_ = 0;
+}
+
+void ChatListView::mouseReleaseEvent(QMouseEvent* event) {
+  QListView::mouseReleaseEvent(event);
+  if (event->button() != Qt::LeftButton) return;
+  QWidget* control = ControlAt(event->position().toPoint());
+  if (control && IsNamedControl(control)) emit controlClicked(control);
 }
 
 void ChatListView::keyPressEvent(QKeyEvent* event) {

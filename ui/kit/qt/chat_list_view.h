@@ -1,7 +1,12 @@
 #pragma once
 // The list behind ChatList ("ImChatList" in skins): items are data, each
 // drawn by the stamp of its template with its rich content laid out by a
-// QTextDocument kept per item (made when first needed).
+// QTextDocument made when the item is first measured or drawn. Items that
+// follow their content carry an estimated height until they come near the
+// viewport; each layout and scroll then measures those rows for real and
+// keeps the view where it was (at the bottom when it was there, else with
+// the first row in view in place). Only the documents of rows near the
+// viewport are kept.
 
 #include <QAbstractListModel>
 #include <QHash>
@@ -11,6 +16,7 @@
 #include <QTextDocument>
 
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -27,11 +33,15 @@ struct ChatBlock {
 };
 
 struct ChatItem {
-  uint32_t itemId = 0;
+  uint64_t itemId = 0;
   QString skinFile;
   QHash<QString, QString> values;  // key: control + '\n' + attribute
   std::vector<ChatBlock> blocks;
   int height = 0;
+  std::optional<ChatFit> fit;
+  // The height is the content's real one (else an estimate), at this width.
+  bool measured = false;
+  int measuredWidth = 0;
   // Laid-out content, dropped when the blocks change.
   mutable std::unique_ptr<QTextDocument> doc;
 };
@@ -42,6 +52,11 @@ struct ChatTemplate {
   QHash<QString, QWidget*> controls;
   QTextEdit* richEdit = nullptr;
   QWidget* container = nullptr;  // MsgContainer, when the template has a bubble
+  // The rich edit's font, for estimates: line height and the advance of a
+  // wide (CJK) and of an average narrow character.
+  int lineHeight = 16;
+  int wideAdvance = 13;
+  int narrowAdvance = 7;
 };
 
 class ChatModel : public QAbstractListModel {
@@ -52,7 +67,7 @@ class ChatModel : public QAbstractListModel {
 
   int Insert(int index, std::unique_ptr<ChatItem> item);
   void Clear();
-  int Find(uint32_t itemId) const;
+  int Find(uint64_t itemId) const;
   ChatItem* At(int row) const;
   // The item changed: repainted, and laid out again when its height did.
   void Changed(int row, bool heightChanged);
@@ -65,7 +80,7 @@ class ChatModel : public QAbstractListModel {
 
  private:
   std::vector<std::unique_ptr<ChatItem>> items_;
-  std::unordered_map<uint32_t, int> index_;
+  std::unordered_map<uint64_t, int> index_;
   int batch_ = 0;
   bool batchReset_ = false;
   bool batchHeights_ = false;
@@ -86,15 +101,37 @@ class ChatListView : public QListView {
   // The item's content laid out at the widest its template allows.
   QTextDocument* Document(const ChatItem& item);
   QSize ContentSize(const ChatItem& item);
+  // The item's height from its fit: estimated, or (`measure`) from its
+  // content laid out, which also sizes its rich edit and bubble. Returns
+  // whether the height changed.
+  bool Fit(ChatItem& item, bool measure);
+
+  void doItemsLayout() override;
+
+ signals:
+  void controlClicked(QWidget* control);  // a named control of an item
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
 
  private:
   int WrapWidth(const ChatItem& item, const ChatTemplate& tpl) const;
+  int EstimateContentHeight(const ChatItem& item, const ChatTemplate& tpl, int wrapWidth) const;
+  // Measures the rows near the viewport that carry estimates, lays out again
+  // while heights change, keeps the view in place and drops the documents of
+  // rows far from it.
+  void MeasureRowsInView();
+  void KeepDocumentsNearView(int first, int last);
+  // The first row whose bottom reaches `y` (viewport coordinates).
+  int FirstRowReaching(int y) const;
 
   ChatModel* model_;
   QHash<QString, ChatTemplate> templates_;
+  bool measuring_ = false;
+  int documentsMade_ = 0;  // since documents far from the view were last dropped
+  // Sizes of the images documents have shown, by the item's image name.
+  QHash<QString, QSize> imageSizes_;
 };
 
 // The chat list whose viewport `widget` is, or null.

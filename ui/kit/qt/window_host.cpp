@@ -21,6 +21,7 @@
 #include <QWheelEvent>
 
 #include "platform/trace.h"
+#include "ui/kit/qt/chat_list_view.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/im_list.h"
 #include "ui/kit/qt/im_menu_element.h"
@@ -178,6 +179,9 @@ void WindowHost::Wire(QWidget* root) {
       connect(rows, &qt::RowListView::itemClicked, this,
               [this](QWidget* item) { SendNotify(item, kNotifyItemClick); });
       connect(rows, &qt::RowListView::controlClicked, this,
+              [this](QWidget* control) { SendNotify(control, kNotifyClick); });
+    } else if (auto* chat = qobject_cast<qt::ChatListView*>(w)) {
+      connect(chat, &qt::ChatListView::controlClicked, this,
               [this](QWidget* control) { SendNotify(control, kNotifyClick); });
     }
   }
