@@ -15,6 +15,8 @@ class ChatToolsMessageSource : public MessageViewSource {
   WString CurrentConversation() const override { return CurrentConvId(); }
   uint32_t CurrentConversationType() const override { return CurrentConvType(); }
 
+  WString SelfId() const override { return tools_.UserId(); }
+
   WString SelfName() const override {
     const WString self = tools_.UserId();
     std::optional<UserProfile> own = tools_.FindProfile(self);

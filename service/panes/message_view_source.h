@@ -24,7 +24,8 @@ class MessageViewSource {
 
   virtual WString CurrentConversation() const = 0;
   virtual uint32_t CurrentConversationType() const = 0;
-  // The signed-in user's nickname (own messages' headers).
+  // The signed-in user's id, and nickname (own messages' headers).
+  virtual WString SelfId() const = 0;
   virtual WString SelfName() const = 0;
   // A friend's remark, else nickname; none when `id` is no friend.
   virtual std::optional<WString> FriendName(const WString& id) const = 0;

@@ -142,9 +142,9 @@ TEST_F(ChatWindowFlowTest, LeavingAGroupFromItsPanelRemovesItsConversationAndPag
   host.Uninstall();
 }
 
-// A received drawing in the message view: a double-click opens it through
-// the host (fetched once, its stored row pointed at the copy) and a click on
-// the sender's avatar opens the sender's card.
+// A drawing arriving in the open group: a double-click opens it through the
+// host (fetched, its stored row pointed at the copy) and a click on the
+// sender's avatar opens the sender's card.
 TEST_F(ChatWindowFlowTest, ADrawingOpensOnADoubleClickAndAnAvatarOpensItsSendersCard) {
   namespace fs = std::filesystem;
   const fs::path root = fs::path(testing::TempDir()) / "flow-drawing";
@@ -172,26 +172,34 @@ TEST_F(ChatWindowFlowTest, ADrawingOpensOnADoubleClickAndAnAvatarOpensItsSenders
   payload["data"]["fileRefId"] = platform::Utf16ToUtf8(ref);
   payload["data"]["filePath"] = "/home/wang/stairs.dwg";
   payload["data"]["subType"] = 1;
-  ASSERT_EQ(engine_.SendCustom("10002", kTIMConv_Group, "gd",
-                               Json::writeString(Json::StreamWriterBuilder(), payload)),
-            0);
+  ASSERT_EQ(engine_.SendText("10002", kTIMConv_Group, "gd", "请看楼梯间"), 0);
   ASSERT_TRUE(service::SignIn(tools_, u"10001", u"sig"));
   ui::RowList& rows = window_.Conversations().rows();
   ASSERT_TRUE(PumpUntil([&] { return rows.Find(u"gd") >= 0; }));
   window_.Conversations().OpenConversation(u"gd");
+  // The drawing arrives while the group is open.
+  ASSERT_EQ(engine_.SendCustom("10002", kTIMConv_Group, "gd",
+                               Json::writeString(Json::StreamWriterBuilder(), payload)),
+            0);
   ui::ChatList items(window_.FindControl("HisRecordList"));
-  ASSERT_TRUE(PumpUntil([&] { return items.Count() == 1; }));
+  // The drawing's item: the newest one.
+  int row = -1;
+  ASSERT_TRUE(PumpUntil([&] {
+    row = items.Count() - 1;
+    return row >= 0 && items.Object(row, 1).image == u"../img/DWG.png";
+  }));
   auto* view = qobject_cast<QListView*>(ui::qt::WidgetOf(items.control()));
   ASSERT_NE(view, nullptr);
+  view->scrollToBottom();
   ui::test::Pump(20);
-  const QRect item = view->visualRect(view->model()->index(0, 0));
+  const QRect item = view->visualRect(view->model()->index(row, 0));
   // Where a template control of the item is, in viewport coordinates.
   auto stampPoint = [&](const char* name) {
     QWidget* control = view->findChild<QWidget*>(name);
     QWidget* stamp = view->findChild<QWidget*>("FriendChatItem");
     EXPECT_TRUE(control && stamp) << name;
     if (!control || !stamp) return QPoint();
-    return item.topLeft() + control->mapTo(stamp, control->rect().center());
+    return item.topLeft() + control->mapTo(stamp, QPoint(6, 6));
   };
 
   host.ClearCalls();
@@ -201,11 +209,14 @@ TEST_F(ChatWindowFlowTest, ADrawingOpensOnADoubleClickAndAnAvatarOpensItsSenders
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "OpenDrawingFile"), 1);
   std::vector<MessageStru> stored;
   CChatDb::Instance().QueryCurrentConvMsg(u"gd", u"10001", 10, stored);
-  ASSERT_EQ(stored.size(), 1u);
-  const WString copy = stored[0].elems.at(0).drawing.filePath;
+  auto sent = std::find_if(stored.begin(), stored.end(), [&](const MessageStru& m) {
+    return !m.elems.empty() && m.elems[0].drawing.fileRefId == ref;
+  });
+  ASSERT_NE(sent, stored.end());
+  const WString copy = sent->elems.at(0).drawing.filePath;
   EXPECT_NE(copy, u"/home/wang/stairs.dwg");
   EXPECT_TRUE(fs::exists(platform::Utf16ToUtf8(copy)));
-  EXPECT_EQ(items.Object(0, 1).stateImage, u"../img/FileLoaded.png");
+  EXPECT_EQ(items.Object(row, 1).stateImage, u"../img/FileLoaded.png");
 
   std::string cardId;
   std::function<void()> look = [&] {

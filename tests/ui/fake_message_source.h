@@ -32,6 +32,7 @@ class FakeMessageSource : public service::MessageViewSource {
 
   WString CurrentConversation() const override { return convId; }
   uint32_t CurrentConversationType() const override { return convType; }
+  WString SelfId() const override { return u"10001"; }
   WString SelfName() const override { return u"张明"; }
   std::optional<WString> FriendName(const WString& id) const override {
     auto it = friends.find(id);

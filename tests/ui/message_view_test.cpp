@@ -290,7 +290,7 @@ TEST_F(MessageViewTest, DownloadProgressAndTheFinishedFileReachTheItem) {
   MessageStru message = Message(1, 1000, {file});
   source_.newMessages = {message};
   Refresh();
-  uint32_t key = source_.downloads.at(0).key;
+  const uint64_t key = source_.downloads.at(0).key;
   EXPECT_EQ(source_.downloads[0].path, u"/nonexistent/recv/notes.abc");
   ui::ChatList& list = view_->list();
   EXPECT_EQ(list.Object(Row(message), 1).image, u"../img/UNKNOW.png");

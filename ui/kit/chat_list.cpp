@@ -1,5 +1,6 @@
 #include "ui/kit/chat_list.h"
 
+#include "ui/kit/attributes.h"
 #include "ui/kit/qt/chat_list_view.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/qt_text.h"
@@ -11,10 +12,6 @@ using qt::ToQ;
 
 qt::ChatListView* ViewOf(const Control& list) {
   return qobject_cast<qt::ChatListView*>(qt::WidgetOf(list));
-}
-
-QString SlotKey(std::string_view control, std::string_view attribute) {
-  return ToQ(control) + u'\n' + ToQ(attribute);
 }
 
 // The item at `row` of the list, with its view.
@@ -54,12 +51,11 @@ int ChatList::Count() const {
 
 int ChatList::Add(std::string_view skinFile, uint64_t itemId, int index) {
   qt::ChatListView* view = ViewOf(list_);
-  QString file = ToQ(skinFile);
-  const qt::ChatTemplate* tpl = view ? view->Template(file) : nullptr;
+  const qt::ChatTemplate* tpl = view ? view->Template(skinFile) : nullptr;
   if (!tpl) return -1;
   auto item = std::make_unique<qt::ChatItem>();
   item->itemId = itemId;
-  item->skinFile = file;
+  item->skinFile = tpl->file;
   item->height = tpl->stamp->height();
   return view->items()->Insert(index, std::move(item));
 }
@@ -87,12 +83,12 @@ void ChatList::Set(int row, std::string_view control, std::string_view attribute
                    const WString& value) {
   ItemRef ref = ItemAt(list_, row);
   if (!ref) return;
-  QString& stored = ref.item->values[SlotKey(control, attribute)];
-  QString wanted = ToQ(value);
-  if (stored == wanted) return;
-  stored = wanted;
+  if (!ref.item->SetValue(qt::ChatSlotOf(control, attribute), value)) return;
   // The inset changes where the content wraps.
   if (attribute == "inset") {
+    std::optional<Rect> inset = ParseRect(platform::Utf16ToUtf8(value));
+    ref.item->inset.reset();
+    if (inset) ref.item->inset = QMargins(inset->left, inset->top, inset->right, inset->bottom);
     ContentChanged(ref, row);
   } else {
     ref.view->items()->Changed(row, false);
@@ -101,7 +97,8 @@ void ChatList::Set(int row, std::string_view control, std::string_view attribute
 
 WString ChatList::Get(int row, std::string_view control, std::string_view attribute) const {
   ItemRef ref = ItemAt(list_, row);
-  return ref ? ref.item->values.value(SlotKey(control, attribute)).toStdU16String() : WString();
+  const WString* value = ref ? ref.item->Value(qt::ChatSlotOf(control, attribute)) : nullptr;
+  return value ? *value : WString();
 }
 
 void ChatList::AppendText(int row, const std::vector<ChatRun>& runs) {

@@ -23,6 +23,7 @@ constexpr WPARAM kShowOlderPage = 3;
 constexpr std::string_view kRichEdit = "List_Item_RichEdit";
 constexpr std::string_view kContainer = "MsgContainer";
 constexpr std::string_view kHeader = "List_Item_Edit";
+constexpr uint32_t kOneToOne = 1;  // conversation type
 constexpr std::string_view kOwnAvatar = "MyselfChatItem_Avatar";
 constexpr std::string_view kFriendAvatar = "FriendChatItem_Avatar";
 
@@ -103,6 +104,8 @@ void MessageView::ShowMsgs() {
   std::vector<ShownMessage>* shownList = messages_.Find(convId);
   if (!shownList) return;
   ChatList::Batch batch(list_);
+  const bool atBottom = AtBottom();
+  bool rendered = false;
   bool reportRead = false;
   int at = 0;  // where a new item goes: after the last item met
   std::optional<std::time_t> previous;
@@ -127,6 +130,7 @@ void MessageView::ShowMsgs() {
       }
       at = row + 1;
       Render(row, shown, i);
+      rendered = true;
     }
     if (!message.elems.empty()) previous = static_cast<std::time_t>(message.server_time);
     if (!shown.readMarked && !message.is_from_self) {
@@ -134,6 +138,7 @@ void MessageView::ShowMsgs() {
       reportRead = true;
     }
   }
+  if (rendered) FollowBottom(atBottom);
   if (reportRead) source_.ReportRead(convId, source_.CurrentConversationType());
 }
 
@@ -148,7 +153,7 @@ int MessageView::CreateItem(ShownMessage& shown, const ElemStru& elem, int at) {
   if (skin != kSystemReminderTemplate) {
     // A click on the avatar names the sender.
     list_.Set(row, shown.message.is_from_self ? kOwnAvatar : kFriendAvatar, "userdata",
-              shown.message.sender);
+              SenderId(shown.message));
     list_.Set(row, kContainer, "bkcolor", shown.message.is_from_self ? u"#FF4EC5CE" : u"#FFFFFFFF");
     list_.Set(row, kRichEdit, "inset", u"10,10,10,10");
   }
@@ -198,7 +203,7 @@ void MessageView::Render(int row, ShownMessage& shown, size_t index) {
       RenderGeneric(row, shown, index);
       break;
   }
-  ResizeItem(shown.itemId);
+  list_.FitToContent(row, IsNotice(elem) ? kLineFit : kBubbleFit);
 }
 
 // Text, local notices and notices carried by a custom element: written
@@ -341,16 +346,23 @@ void MessageView::RenderGeneric(int row, ShownMessage& shown, size_t index) {
   view.rendered = true;
 }
 
-void MessageView::ResizeItem(uint64_t itemId) {
-  int row = list_.Find(itemId);
-  if (row < 0) return;
-  Control& view = controls_.hisRecordList;
-  bool atBottom = view.GetScrollPos() == view.GetScrollRange();
-  list_.FitToContent(row, list_.Get(row, kContainer, "bkcolor").empty() ? kLineFit : kBubbleFit);
-  if (!IsLoadingOlder() && atBottom) {
-    window_.KillTimer(kScrollToBottomTimer);
-    window_.SetTimer(kScrollToBottomTimer, kScrollDelayMs);
-  }
+bool MessageView::AtBottom() const {
+  const Control& view = controls_.hisRecordList;
+  return view.GetScrollPos() == view.GetScrollRange();
+}
+
+void MessageView::FollowBottom(bool wasAtBottom) {
+  if (IsLoadingOlder() || !wasAtBottom) return;
+  window_.KillTimer(kScrollToBottomTimer);
+  window_.SetTimer(kScrollToBottomTimer, kScrollDelayMs);
+}
+
+// Stored rows keep no sender id: the user's own messages are the user's, a
+// one-to-one chat's others are its conversation's; a group's stays unknown.
+WString MessageView::SenderId(const MessageStru& message) const {
+  if (!message.sender.empty()) return message.sender;
+  if (message.is_from_self) return source_.SelfId();
+  return message.conv_type == kOneToOne ? message.conv_id : WString();
 }
 
 WString MessageView::SenderName(const MessageStru& message) const {
@@ -412,6 +424,7 @@ void MessageView::OnTransferChanged(WPARAM requestKey, LPARAM) {
   FollowTransfer(*shown);
   int row = list_.Find(itemId);
   if (row < 0) return;
+  const bool atBottom = AtBottom();
   for (size_t i = 0; i < shown->message.elems.size(); ++i) {
     const ElemStru& elem = shown->message.elems[i];
     switch (elem.elem_type) {
@@ -429,6 +442,7 @@ void MessageView::OnTransferChanged(WPARAM requestKey, LPARAM) {
         break;
     }
   }
+  FollowBottom(atBottom);
 }
 
 void MessageView::Clear() {

@@ -46,10 +46,6 @@ class MessageView : public MessageViewRoutes {
   void OpenAttachment(const Control& richEdit) override;
   void Clear() override;
 
-  // The resize rule for one item, then the jump back to the bottom when the
-  // view was there.
-  void ResizeItem(uint64_t itemId);
-
   MessageMap& messages() { return messages_; }
   ChatList& list() { return list_; }
 
@@ -73,6 +69,10 @@ class MessageView : public MessageViewRoutes {
   void StartDownload(ShownMessage& shown, ShownElem& view, const std::string& param,
                      const WString& path);
   void FollowTransfer(ShownMessage& shown);
+  bool AtBottom() const;
+  // Items were resized: back to the bottom when the view was there.
+  void FollowBottom(bool wasAtBottom);
+  WString SenderId(const MessageStru& message) const;
   WString SenderName(const MessageStru& message) const;
   WString Header(const ShownMessage& shown) const;
   class ViewPrompt;

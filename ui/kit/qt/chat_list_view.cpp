@@ -16,6 +16,10 @@
 #include <QTextEdit>
 #include <QTextImageFormat>
 
+#include <deque>
+#include <string>
+
+#include "platform/strings.h"
 #include "ui/kit/attributes.h"
 #include "ui/kit/qt/control_ref.h"
 #include "ui/kit/qt/qt_text.h"
@@ -35,10 +39,6 @@ constexpr int kIconGuess = 48;
 constexpr int kSpareDocuments = 64;
 // Layouts in a row while estimates near the view are corrected.
 constexpr int kMeasurePasses = 4;
-
-QString Key(const QString& control, const QString& attribute) {
-  return control + u'\n' + attribute;
-}
 
 // Images are read once per process (the same icons appear in every item).
 const QImage& CachedImage(const QString& path) {
@@ -111,12 +111,7 @@ QSize InsertObject(QTextDocument& doc, QTextCursor& cursor, const QWidget* list,
 
 // The rich edit's inset: the item's own value, else the template's.
 QMargins InsetOf(const ChatItem& item, const ChatTemplate* tpl) {
-  auto value = item.values.constFind(Key(QStringLiteral("List_Item_RichEdit"), "inset"));
-  if (value != item.values.constEnd()) {
-    if (auto rect = ParseRect(value->toStdString())) {
-      return QMargins(rect->left, rect->top, rect->right, rect->bottom);
-    }
-  }
+  if (item.inset) return *item.inset;
   return tpl && tpl->richEdit ? tpl->richEdit->contentsMargins() : QMargins();
 }
 
@@ -170,6 +165,47 @@ class ChatDelegate : public QStyledItemDelegate {
 
 }  // namespace
 
+namespace {
+
+std::deque<ChatSlot>& SlotTable() {
+  static std::deque<ChatSlot> table;
+  return table;
+}
+
+}  // namespace
+
+int ChatSlotOf(std::string_view control, std::string_view attribute) {
+  std::deque<ChatSlot>& table = SlotTable();
+  const QString name = QString::fromUtf8(control.data(), static_cast<qsizetype>(control.size()));
+  for (size_t i = 0; i < table.size(); ++i) {
+    if (table[i].attribute == attribute && table[i].control == name) return static_cast<int>(i);
+  }
+  table.push_back(ChatSlot{name, std::string(attribute)});
+  return static_cast<int>(table.size() - 1);
+}
+
+const ChatSlot& ChatSlotAt(int slot) {
+  return SlotTable().at(static_cast<size_t>(slot));
+}
+
+const WString* ChatItem::Value(int slot) const {
+  for (const ChatValue& held : values) {
+    if (held.slot == slot) return &held.value;
+  }
+  return nullptr;
+}
+
+bool ChatItem::SetValue(int slot, const WString& value) {
+  for (ChatValue& held : values) {
+    if (held.slot != slot) continue;
+    if (held.value == value) return false;
+    held.value = value;
+    return true;
+  }
+  values.push_back(ChatValue{slot, value});
+  return true;
+}
+
 QString ItemText(const ChatItem& item) {
   QStringList blocks;
   for (const ChatBlock& block : item.blocks) {
@@ -198,7 +234,9 @@ QVariant ChatModel::data(const QModelIndex& index, int role) const {
   ChatItem* item = At(index.row());
   if (!item) return {};
   if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole) {
-    QString header = item->values.value(Key(QStringLiteral("List_Item_Edit"), "text"));
+    static const int headerSlot = ChatSlotOf("List_Item_Edit", "text");
+    const WString* headerValue = item->Value(headerSlot);
+    QString header = headerValue ? ToQ(*headerValue) : QString();
     QString text = ItemText(*item);
     return header.isEmpty() ? text : header + u'\n' + text;
   }
@@ -295,11 +333,21 @@ ChatListView::ChatListView(QWidget* parent) : QListView(parent), model_(new Chat
   connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { MeasureRowsInView(); });
 }
 
+const ChatTemplate* ChatListView::Template(std::string_view skinFile) {
+  for (const auto& [name, file] : templateNames_) {
+    if (name == skinFile) return Template(file);
+  }
+  const QString file = QString::fromUtf8(skinFile.data(), static_cast<qsizetype>(skinFile.size()));
+  templateNames_.emplace_back(std::string(skinFile), file);
+  return Template(file);
+}
+
 const ChatTemplate* ChatListView::Template(const QString& skinFile) {
   auto it = templates_.find(skinFile);
   if (it != templates_.end()) return it->stamp ? &*it : nullptr;
   QWidget* stamp = LoadSkin(SkinFolderOf(this), skinFile, this);
   ChatTemplate tpl;
+  tpl.file = skinFile;
   if (stamp) {
     stamp->setProperty("im_skinFolder", SkinFolderOf(this));
     stamp->setProperty("im_stamp", true);
@@ -328,15 +376,13 @@ QWidget* ChatListView::BindStamp(int row, int width) {
   ChatItem* item = model_->At(row);
   const ChatTemplate* tpl = item ? Template(item->skinFile) : nullptr;
   if (!tpl) return nullptr;
-  for (auto it = item->values.cbegin(); it != item->values.cend(); ++it) {
-    qsizetype split = it.key().indexOf(u'\n');
-    QWidget* target = tpl->controls.value(it.key().left(split));
+  for (const ChatValue& held : item->values) {
+    const ChatSlot& slot = ChatSlotAt(held.slot);
+    QWidget* target = tpl->controls.value(slot.control);
     if (!target) continue;
-    std::string attribute = it.key().mid(split + 1).toStdString();
     Control control = MakeControl(target);
-    WString value = FromQ(it.value());
-    if (attribute != "text" && control.GetAttribute(attribute) == value) continue;
-    control.SetAttribute(attribute, value);
+    if (slot.attribute != "text" && control.GetAttribute(slot.attribute) == held.value) continue;
+    control.SetAttribute(slot.attribute, held.value);
   }
   if (tpl->richEdit) {
     MakeControl(tpl->richEdit).SetUserData(QString::number(item->itemId).toStdU16String());
@@ -461,13 +507,14 @@ bool ChatListView::Fit(ChatItem& item, bool measure) {
   if (measure) {
     if (item.doc && item.measuredWidth != wrapWidth) item.doc.reset();
     QSize content = ContentSize(item);
-    const QString edit = QStringLiteral("List_Item_RichEdit");
-    item.values.insert(Key(edit, QStringLiteral("height")),
-                       QString::number(content.height() + fit.editExtra));
+    static const int editHeight = ChatSlotOf("List_Item_RichEdit", "height");
+    static const int editWidth = ChatSlotOf("List_Item_RichEdit", "width");
+    static const int bubbleHeight = ChatSlotOf("MsgContainer", "height");
+    const auto number = [](int value) { return platform::W(std::to_string(value)); };
+    item.SetValue(editHeight, number(content.height() + fit.editExtra));
     if (fit.bubble) {
-      item.values.insert(Key(edit, QStringLiteral("width")), QString::number(content.width()));
-      item.values.insert(Key(QStringLiteral("MsgContainer"), QStringLiteral("height")),
-                         QString::number(content.height() + fit.editExtra));
+      item.SetValue(editWidth, number(content.width()));
+      item.SetValue(bubbleHeight, number(content.height() + fit.editExtra));
     }
     item.height = content.height() + fit.itemExtra;
     item.measured = true;

@@ -17,6 +17,8 @@
 
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -32,10 +34,25 @@ struct ChatBlock {
   ChatObject object;          // an embedded object
 };
 
+// A named template control's attribute that items hold values for. Slots
+// are shared by every list (the window thread's).
+struct ChatSlot {
+  QString control;
+  std::string attribute;
+};
+int ChatSlotOf(std::string_view control, std::string_view attribute);
+const ChatSlot& ChatSlotAt(int slot);
+
+struct ChatValue {
+  int slot = 0;
+  WString value;
+};
+
 struct ChatItem {
   uint64_t itemId = 0;
-  QString skinFile;
-  QHash<QString, QString> values;  // key: control + '\n' + attribute
+  QString skinFile;  // shared with its template's name
+  std::vector<ChatValue> values;
+  std::optional<QMargins> inset;  // the rich edit's own inset
   std::vector<ChatBlock> blocks;
   int height = 0;
   std::optional<ChatFit> fit;
@@ -44,10 +61,15 @@ struct ChatItem {
   int measuredWidth = 0;
   // Laid-out content, dropped when the blocks change.
   mutable std::unique_ptr<QTextDocument> doc;
+
+  const WString* Value(int slot) const;
+  // Returns false when the value was there already.
+  bool SetValue(int slot, const WString& value);
 };
 
 // One template: its stamp and the controls the item values go to.
 struct ChatTemplate {
+  QString file;
   QPointer<QWidget> stamp;
   QHash<QString, QWidget*> controls;
   QTextEdit* richEdit = nullptr;
@@ -94,6 +116,7 @@ class ChatListView : public QListView {
   ChatModel* items() const { return model_; }
   // The template's stamp, loaded once; null when the skin cannot be loaded.
   const ChatTemplate* Template(const QString& skinFile);
+  const ChatTemplate* Template(std::string_view skinFile);
   // The stamp dressed as `row` at `width`; null for a row that does not exist.
   QWidget* BindStamp(int row, int width);
   // The deepest named template control at a point of the viewport.
@@ -128,6 +151,7 @@ class ChatListView : public QListView {
 
   ChatModel* model_;
   QHash<QString, ChatTemplate> templates_;
+  std::vector<std::pair<std::string, QString>> templateNames_;
   bool measuring_ = false;
   int documentsMade_ = 0;  // since documents far from the view were last dropped
   // Sizes of the images documents have shown, by the item's image name.
