@@ -34,6 +34,18 @@ void ContentChanged(const ItemRef& ref, int row) {
   ref.view->items()->Changed(row, ref.view->Fit(*ref.item, false));
 }
 
+// Items mostly share one inset: the last one parsed is kept.
+std::optional<QMargins> ParseInset(const WString& value) {
+  static WString lastText;
+  static std::optional<QMargins> lastInset;
+  if (value == lastText) return lastInset;
+  std::optional<Rect> rect = ParseRect(platform::Utf16ToUtf8(value));
+  lastText = value;
+  lastInset.reset();
+  if (rect) lastInset = QMargins(rect->left, rect->top, rect->right, rect->bottom);
+  return lastInset;
+}
+
 }  // namespace
 
 ChatList::ChatList(const Control& list) {
@@ -55,7 +67,8 @@ int ChatList::Add(std::string_view skinFile, uint64_t itemId, int index) {
   if (!tpl) return -1;
   auto item = std::make_unique<qt::ChatItem>();
   item->itemId = itemId;
-  item->skinFile = tpl->file;
+  item->tpl = tpl;
+  item->values.reserve(6);  // what a message's item holds
   item->height = tpl->stamp->height();
   return view->items()->Insert(index, std::move(item));
 }
@@ -72,7 +85,7 @@ uint64_t ChatList::ItemId(int row) const {
 
 std::string ChatList::TemplateOf(int row) const {
   ItemRef ref = ItemAt(list_, row);
-  return ref ? ref.item->skinFile.toStdString() : std::string();
+  return ref ? ref.item->tpl->file : std::string();
 }
 
 void ChatList::RemoveAll() {
@@ -86,9 +99,7 @@ void ChatList::Set(int row, std::string_view control, std::string_view attribute
   if (!ref.item->SetValue(qt::ChatSlotOf(control, attribute), value)) return;
   // The inset changes where the content wraps.
   if (attribute == "inset") {
-    std::optional<Rect> inset = ParseRect(platform::Utf16ToUtf8(value));
-    ref.item->inset.reset();
-    if (inset) ref.item->inset = QMargins(inset->left, inset->top, inset->right, inset->bottom);
+    ref.item->inset = ParseInset(value);
     ContentChanged(ref, row);
   } else {
     ref.view->items()->Changed(row, false);

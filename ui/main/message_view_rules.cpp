@@ -33,12 +33,29 @@ std::string_view TemplateFor(const ElemStru& elem, bool fromSelf) {
   return fromSelf ? kMyselfTemplate : kFriendTemplate;
 }
 
+// Every item's header is formatted on every rebuild: digits by hand.
 WString ItemHeader(const WString& senderName, std::time_t time) {
-  std::tm tm = LocalTime(time);
-  char stamp[64];
-  std::snprintf(stamp, sizeof stamp, "%04d/%02d/%02d %02d:%02d", tm.tm_year + 1900, tm.tm_mon + 1,
-                tm.tm_mday, tm.tm_hour, tm.tm_min);
-  return senderName + u' ' + Ascii(stamp);
+  const std::tm tm = LocalTime(time);
+  WString header;
+  header.reserve(senderName.size() + 17);
+  header += senderName;
+  header += u' ';
+  const auto digits = [&header](int value, int width) {
+    char16_t text[8];
+    for (int i = width - 1; i >= 0; --i, value /= 10)
+      text[i] = static_cast<char16_t>(u'0' + value % 10);
+    header.append(text, static_cast<size_t>(width));
+  };
+  digits(std::clamp(tm.tm_year + 1900, 0, 9999), 4);
+  header += u'/';
+  digits(tm.tm_mon + 1, 2);
+  header += u'/';
+  digits(tm.tm_mday, 2);
+  header += u' ';
+  digits(tm.tm_hour, 2);
+  header += u':';
+  digits(tm.tm_min, 2);
+  return header;
 }
 
 WString FileTypeKey(const WString& fileName) {

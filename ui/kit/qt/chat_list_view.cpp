@@ -126,7 +126,7 @@ class ChatDelegate : public QStyledItemDelegate {
     ChatItem* item = view_->items()->At(index.row());
     QWidget* stamp = view_->BindStamp(index.row(), option.rect.width());
     if (!item || !stamp) return;
-    const ChatTemplate* tpl = view_->Template(item->skinFile);
+    const ChatTemplate* tpl = item->tpl;
     // Rendered through a pixmap: render() straight into the viewport's
     // painter, inside the viewport's own paint, left the stamp's children
     // (header, bubble, picture) out in the module's window.
@@ -176,11 +176,12 @@ std::deque<ChatSlot>& SlotTable() {
 
 int ChatSlotOf(std::string_view control, std::string_view attribute) {
   std::deque<ChatSlot>& table = SlotTable();
-  const QString name = QString::fromUtf8(control.data(), static_cast<qsizetype>(control.size()));
   for (size_t i = 0; i < table.size(); ++i) {
-    if (table[i].attribute == attribute && table[i].control == name) return static_cast<int>(i);
+    if (table[i].attribute == attribute && table[i].control == control) return static_cast<int>(i);
   }
-  table.push_back(ChatSlot{name, std::string(attribute)});
+  table.push_back(
+      ChatSlot{std::string(control), std::string(attribute),
+               QString::fromUtf8(control.data(), static_cast<qsizetype>(control.size()))});
   return static_cast<int>(table.size() - 1);
 }
 
@@ -334,20 +335,14 @@ ChatListView::ChatListView(QWidget* parent) : QListView(parent), model_(new Chat
 }
 
 const ChatTemplate* ChatListView::Template(std::string_view skinFile) {
-  for (const auto& [name, file] : templateNames_) {
-    if (name == skinFile) return Template(file);
+  for (const ChatTemplate& held : templates_) {
+    if (held.file == skinFile) return held.stamp ? &held : nullptr;
   }
-  const QString file = QString::fromUtf8(skinFile.data(), static_cast<qsizetype>(skinFile.size()));
-  templateNames_.emplace_back(std::string(skinFile), file);
-  return Template(file);
-}
-
-const ChatTemplate* ChatListView::Template(const QString& skinFile) {
-  auto it = templates_.find(skinFile);
-  if (it != templates_.end()) return it->stamp ? &*it : nullptr;
-  QWidget* stamp = LoadSkin(SkinFolderOf(this), skinFile, this);
-  ChatTemplate tpl;
-  tpl.file = skinFile;
+  QWidget* stamp =
+      LoadSkin(SkinFolderOf(this),
+               QString::fromUtf8(skinFile.data(), static_cast<qsizetype>(skinFile.size())), this);
+  ChatTemplate& tpl = templates_.emplace_back();
+  tpl.file = std::string(skinFile);
   if (stamp) {
     stamp->setProperty("im_skinFolder", SkinFolderOf(this));
     stamp->setProperty("im_stamp", true);
@@ -368,17 +363,16 @@ const ChatTemplate* ChatListView::Template(const QString& skinFile) {
       tpl.narrowAdvance = metrics.averageCharWidth();
     }
   }
-  it = templates_.insert(skinFile, tpl);
-  return it->stamp ? &*it : nullptr;
+  return tpl.stamp ? &tpl : nullptr;
 }
 
 QWidget* ChatListView::BindStamp(int row, int width) {
   ChatItem* item = model_->At(row);
-  const ChatTemplate* tpl = item ? Template(item->skinFile) : nullptr;
+  const ChatTemplate* tpl = item ? item->tpl : nullptr;
   if (!tpl) return nullptr;
   for (const ChatValue& held : item->values) {
     const ChatSlot& slot = ChatSlotAt(held.slot);
-    QWidget* target = tpl->controls.value(slot.control);
+    QWidget* target = tpl->controls.value(slot.controlName);
     if (!target) continue;
     Control control = MakeControl(target);
     if (slot.attribute != "text" && control.GetAttribute(slot.attribute) == held.value) continue;
@@ -412,7 +406,7 @@ int ChatListView::WrapWidth(const ChatItem& item, const ChatTemplate& tpl) const
 
 QTextDocument* ChatListView::Document(const ChatItem& item) {
   if (item.doc) return item.doc.get();
-  const ChatTemplate* tpl = Template(item.skinFile);
+  const ChatTemplate* tpl = item.tpl;
   auto doc = std::make_unique<QTextDocument>();
   doc->setDocumentMargin(0);
   if (tpl && tpl->richEdit) doc->setDefaultFont(tpl->richEdit->font());
@@ -447,7 +441,7 @@ QTextDocument* ChatListView::Document(const ChatItem& item) {
 
 QSize ChatListView::ContentSize(const ChatItem& item) {
   QTextDocument* doc = Document(item);
-  QMargins inset = InsetOf(item, Template(item.skinFile));
+  QMargins inset = InsetOf(item, item.tpl);
   int width = static_cast<int>(std::ceil(doc->idealWidth())) + inset.left() + inset.right();
   int height = static_cast<int>(std::ceil(doc->size().height())) + inset.top() + inset.bottom();
   return QSize(width, height);
@@ -498,8 +492,8 @@ int ChatListView::EstimateContentHeight(const ChatItem& item, const ChatTemplate
 }
 
 bool ChatListView::Fit(ChatItem& item, bool measure) {
-  const ChatTemplate* tpl = Template(item.skinFile);
-  if (!item.fit || !tpl) return false;
+  if (!item.fit) return false;
+  const ChatTemplate* tpl = item.tpl;
   const ChatFit& fit = *item.fit;
   const int wrapWidth = WrapWidth(item, *tpl);
   if (item.measured && item.measuredWidth == wrapWidth) return false;

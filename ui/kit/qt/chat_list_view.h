@@ -15,6 +15,7 @@
 #include <QString>
 #include <QTextDocument>
 
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,8 +38,9 @@ struct ChatBlock {
 // A named template control's attribute that items hold values for. Slots
 // are shared by every list (the window thread's).
 struct ChatSlot {
-  QString control;
+  std::string control;
   std::string attribute;
+  QString controlName;
 };
 int ChatSlotOf(std::string_view control, std::string_view attribute);
 const ChatSlot& ChatSlotAt(int slot);
@@ -48,9 +50,11 @@ struct ChatValue {
   WString value;
 };
 
+struct ChatTemplate;
+
 struct ChatItem {
   uint64_t itemId = 0;
-  QString skinFile;  // shared with its template's name
+  const ChatTemplate* tpl = nullptr;  // loaded: never null
   std::vector<ChatValue> values;
   std::optional<QMargins> inset;  // the rich edit's own inset
   std::vector<ChatBlock> blocks;
@@ -69,7 +73,7 @@ struct ChatItem {
 
 // One template: its stamp and the controls the item values go to.
 struct ChatTemplate {
-  QString file;
+  std::string file;
   QPointer<QWidget> stamp;
   QHash<QString, QWidget*> controls;
   QTextEdit* richEdit = nullptr;
@@ -115,7 +119,6 @@ class ChatListView : public QListView {
 
   ChatModel* items() const { return model_; }
   // The template's stamp, loaded once; null when the skin cannot be loaded.
-  const ChatTemplate* Template(const QString& skinFile);
   const ChatTemplate* Template(std::string_view skinFile);
   // The stamp dressed as `row` at `width`; null for a row that does not exist.
   QWidget* BindStamp(int row, int width);
@@ -150,8 +153,7 @@ class ChatListView : public QListView {
   int FirstRowReaching(int y) const;
 
   ChatModel* model_;
-  QHash<QString, ChatTemplate> templates_;
-  std::vector<std::pair<std::string, QString>> templateNames_;
+  std::deque<ChatTemplate> templates_;  // items point at theirs
   bool measuring_ = false;
   int documentsMade_ = 0;  // since documents far from the view were last dropped
   // Sizes of the images documents have shown, by the item's image name.
