@@ -190,15 +190,15 @@ TEST_F(ChatWindowFlowTest, ADrawingOpensOnADoubleClickAndAnAvatarOpensItsSenders
   }));
   auto* view = qobject_cast<QListView*>(ui::qt::WidgetOf(items.control()));
   ASSERT_NE(view, nullptr);
-  view->scrollToBottom();
-  ui::test::Pump(20);
-  const QRect item = view->visualRect(view->model()->index(row, 0));
-  // Where a template control of the item is, in viewport coordinates.
+  // The window's own scroll to the bottom (50 ms) has run and the view rests.
+  ui::test::Pump(120);
+  // Where a template control of the item is now, in viewport coordinates.
   auto stampPoint = [&](const char* name) {
     QWidget* control = view->findChild<QWidget*>(name);
     QWidget* stamp = view->findChild<QWidget*>("FriendChatItem");
     EXPECT_TRUE(control && stamp) << name;
     if (!control || !stamp) return QPoint();
+    const QRect item = view->visualRect(view->model()->index(row, 0));
     return item.topLeft() + control->mapTo(stamp, QPoint(6, 6));
   };
 
