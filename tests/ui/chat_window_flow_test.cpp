@@ -161,10 +161,11 @@ TEST_F(ChatWindowFlowTest, ADrawingOpensOnADoubleClickAndAnAvatarOpensItsSenders
   ASSERT_EQ(engine_.CreateGroup("10002", "图纸评审组", {"10001"}, "gd"), "gd");
   host.SignIn(10002);
   std::ofstream(root / "stairs.dwg") << "AC1032 stairs";
-  WString ref;
+  SpaceFileRef uploaded;
   ASSERT_TRUE(HostSystem::instance()->GetCloudService()->UploadSpaceFile(
-      0, platform::Utf8ToUtf16((root / "stairs.dwg").string()).c_str(), u"description", 0, ref, 0,
-      host.FindGroup(u"gd")->cloudGroupId, 0));
+      0, platform::Utf8ToUtf16((root / "stairs.dwg").string()).c_str(), u"description", 0, uploaded,
+      0, host.FindGroup(u"gd")->cloudGroupId, 0));
+  const WString ref = uploaded.drawingRef;
   host.SignIn(10001);
   Json::Value payload;
   payload["msgType"] = 1;
