@@ -410,6 +410,26 @@ TEST_F(MessageViewTest, ADoubleClickedDrawingOpensThroughTheDrawingService) {
   EXPECT_EQ(boxes_, std::vector<WString>{u"打开图纸|打开图纸失败!!!"});
   EXPECT_EQ(list.Object(0, 1).stateImage, u"../img/FileLoaded.png");
   EXPECT_EQ(list.ObjectCount(0), 1);
+
+  // A drawing the user just sent opens with the reference its sent message got.
+  MessageStru sending = Message(0, 1100, {drawing}, true);
+  sending.local_id = 7;
+  sending.status = kSending;
+  source_.newMessages = {sending};
+  Refresh();
+  MessageStru sent = sending;
+  sent.status = kSent;
+  sent.elems[0].drawing.fileRefId = u"ref-7";
+  source_.sent[7] = sent;
+  view_->OnTransferChanged(7, 0);
+  WString openedRef;
+  source_.drawingOpen = [&](MessageStru& message, host::UserPrompt&) {
+    openedRef = message.elems[0].drawing.fileRefId;
+    return service::drawings::DrawingOpenStep::kOpened;
+  };
+  edit.SetUserData(u"7");
+  view_->OpenAttachment(edit);
+  EXPECT_EQ(openedRef, u"ref-7");
 }
 
 }  // namespace

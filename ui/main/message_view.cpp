@@ -412,6 +412,13 @@ void MessageView::FollowTransfer(ShownMessage& shown) {
     if (!message.elems.empty() && !sent->elems.empty()) {
       message.elems.front().send_status = sent->elems.front().send_status;
     }
+    // A drawing's placeholder learns its space id, reference and time only
+    // when the real message goes out; opening it needs them.
+    for (size_t i = 0; i < message.elems.size() && i < sent->elems.size(); ++i) {
+      if (message.elems[i].elem_type == kElemCustom && sent->elems[i].elem_type == kElemCustom) {
+        message.elems[i].drawing = sent->elems[i].drawing;
+      }
+    }
     if (sent->unique_id != 0) message.unique_id = sent->unique_id;
   }
 }
