@@ -242,14 +242,13 @@ TEST_F(DrawingsTest, ReceivedDrawingIsFetchedOnceAndItsRowPointsAtTheCopy) {
       0));
   const WString ref = stored.drawingRef;
   host_.SignIn(10001);
-  Json::Value payload;
-  payload["msgType"] = 1;
-  payload["data"]["fileName"] = "stairs.dwg";
-  payload["data"]["fileRefId"] = platform::Utf16ToUtf8(ref);
-  payload["data"]["filePath"] = "/home/wang/stairs.dwg";
-  payload["data"]["subType"] = 1;
-  ASSERT_TRUE(HandlePushed(engine.SendCustom(
-      "10002", 2, "gd", Json::writeString(Json::StreamWriterBuilder(), payload))));
+  DrawingMsgStru drawing;
+  drawing.fileName = u"stairs.dwg";
+  drawing.fileRefId = ref;
+  drawing.filePath = u"/home/wang/stairs.dwg";
+  const std::string payload =
+      service::CompactText(service::DrawingFilePayload(drawing, u"10002", 1700000000000));
+  ASSERT_TRUE(HandlePushed(engine.SendCustom("10002", 2, "gd", payload)));
   std::vector<MessageStru> rows = StoredRows(u"gd");
   ASSERT_EQ(rows.size(), 1u);
   MessageStru message = rows[0];

@@ -9,8 +9,6 @@
 #include <QTest>
 #include <QTimer>
 
-#include <json/json.h>
-
 #include <filesystem>
 #include <fstream>
 
@@ -22,6 +20,7 @@
 #include "service/chat_tools.h"
 #include "service/current_conversation.h"
 #include "service/module_counters.h"
+#include "service/sending_json.h"
 #include "store/chat_db.h"
 #include "tests/ui/test_window.h"
 #include "ui/kit/chat_list.h"
@@ -167,21 +166,19 @@ TEST_F(ChatWindowFlowTest, ADrawingOpensOnADoubleClickAndAnAvatarOpensItsSenders
       0, host.FindGroup(u"gd")->cloudGroupId, 0));
   const WString ref = uploaded.drawingRef;
   host.SignIn(10001);
-  Json::Value payload;
-  payload["msgType"] = 1;
-  payload["data"]["fileName"] = "stairs.dwg";
-  payload["data"]["fileRefId"] = platform::Utf16ToUtf8(ref);
-  payload["data"]["filePath"] = "/home/wang/stairs.dwg";
-  payload["data"]["subType"] = 1;
+  DrawingMsgStru drawing;
+  drawing.fileName = u"stairs.dwg";
+  drawing.fileRefId = ref;
+  drawing.filePath = u"/home/wang/stairs.dwg";
+  const std::string payload =
+      service::CompactText(service::DrawingFilePayload(drawing, u"10002", 1700000000000));
   ASSERT_EQ(engine_.SendText("10002", kTIMConv_Group, "gd", "请看楼梯间"), 0);
   ASSERT_TRUE(service::SignIn(tools_, u"10001", u"sig"));
   ui::RowList& rows = window_.Conversations().rows();
   ASSERT_TRUE(PumpUntil([&] { return rows.Find(u"gd") >= 0; }));
   window_.Conversations().OpenConversation(u"gd");
   // The drawing arrives while the group is open.
-  ASSERT_EQ(engine_.SendCustom("10002", kTIMConv_Group, "gd",
-                               Json::writeString(Json::StreamWriterBuilder(), payload)),
-            0);
+  ASSERT_EQ(engine_.SendCustom("10002", kTIMConv_Group, "gd", payload), 0);
   ui::ChatList items(window_.FindControl("HisRecordList"));
   // The drawing's item: the newest one.
   int row = -1;
