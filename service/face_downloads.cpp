@@ -1,5 +1,7 @@
 #include "service/face_downloads.h"
 
+#include <algorithm>
+
 #include "platform/module_workers.h"
 #include "service/conversation_faces.h"
 #include "service/posting.h"
@@ -14,22 +16,31 @@ WString FaceDownloads::CachedOrFetch(const StampedFolders& session, const WStrin
   if (FaceFileExists(path)) return path;
   {
     std::lock_guard lock(pending_->mutex);
-    if (!pending_->paths.insert(path).second) return fallback;
+    auto [it, first] = pending_->waiting.try_emplace(path);
+    const Waiter waiter{id, notify};
+    if (std::find(it->second.begin(), it->second.end(), waiter) == it->second.end()) {
+      it->second.push_back(waiter);
+    }
+    if (!first) return fallback;
   }
-  const auto done = [pending = pending_, path] {
+  const auto takeWaiters = [pending = pending_, path] {
     std::lock_guard lock(pending->mutex);
-    pending->paths.erase(path);
+    std::vector<Waiter> waiters = std::move(pending->waiting[path]);
+    pending->waiting.erase(path);
+    return waiters;
   };
   const SessionStamp stamp = session.stamp;
-  const bool started = platform::ModuleWorkers::Instance().Start(
-      [url, path, id, notify, stamp, done](std::stop_token) {
+  const bool started =
+      platform::ModuleWorkers::Instance().Start([url, path, stamp, takeWaiters](std::stop_token) {
         // A failed download keeps the default picture; the next ask tries again.
-        if (DownloadFace(url, path)) {
-          PostPayload<platform::msg::kConversationLogoChanged>(notify, stamp, id);
+        const bool arrived = DownloadFace(url, path);
+        const std::vector<Waiter> waiters = takeWaiters();
+        if (!arrived) return;
+        for (const Waiter& waiter : waiters) {
+          PostPayload<platform::msg::kConversationLogoChanged>(waiter.notify, stamp, waiter.id);
         }
-        done();
       });
-  if (!started) done();
+  if (!started) takeWaiters();
   return fallback;
 }
 

@@ -107,15 +107,19 @@ bool LocalCloudService::QuerySpaceFile(int32_t groupId, WString& drawingRef, con
   return true;
 }
 
+void LocalCloudService::TakeTime(std::chrono::milliseconds LocalHostState::*delay) {
+  std::chrono::milliseconds wait;
+  {
+    Lock lock(state_.mutex);
+    wait = state_.*delay;
+  }
+  std::this_thread::sleep_for(wait);  // the transfer, without holding the host
+}
+
 bool LocalCloudService::UploadSpaceFile(int32_t, const char16_t* localPath,
                                         const char16_t* description, int32_t, SpaceFileRef& stored,
                                         int32_t, int32_t groupId, int32_t folderId) {
-  std::chrono::milliseconds delay;
-  {
-    Lock lock(state_.mutex);
-    delay = state_.uploadDelay;
-  }
-  std::this_thread::sleep_for(delay);  // the transfer, without holding the host
+  TakeTime(&LocalHostState::uploadDelay);
   Lock lock(state_.mutex);
   if (!state_.Record("UploadSpaceFile",
                      Args({Utf8(localPath), Utf8(description), Num(groupId), Num(folderId)})) ||
@@ -141,6 +145,7 @@ bool LocalCloudService::UploadSpaceFile(int32_t, const char16_t* localPath,
 }
 
 bool LocalCloudService::DownloadPicture(const char16_t* pictureUrl, const char16_t* localPath) {
+  TakeTime(&LocalHostState::downloadDelay);
   Lock lock(state_.mutex);
   if (!state_.Record("DownloadPicture", Args({Utf8(pictureUrl), Utf8(localPath)})) ||
       pictureUrl == nullptr || localPath == nullptr) {

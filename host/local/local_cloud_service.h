@@ -56,6 +56,9 @@ class LocalCloudService final : public HostCloudService {
   const SpaceDrawing* FindDrawing(int32_t groupId, int32_t folderId, int32_t drawingId,
                                   const WString& name) const;
 
+  // Waits the state's `delay` as a transfer would, without holding the host.
+  void TakeTime(std::chrono::milliseconds LocalHostState::*delay);
+
   LocalHostState& state_;
 };
 

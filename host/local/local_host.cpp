@@ -122,6 +122,11 @@ void LocalHost::SetUploadDelay(std::chrono::milliseconds delay) {
   state_.uploadDelay = delay;
 }
 
+void LocalHost::SetDownloadDelay(std::chrono::milliseconds delay) {
+  Lock lock(state_.mutex);
+  state_.downloadDelay = delay;
+}
+
 std::optional<SharedSessionInfo> LocalHost::OwnSession() const {
   Lock lock(state_.mutex);
   if (!state_.inSession) return std::nullopt;

@@ -58,6 +58,8 @@ class LocalHost final : public HostSystem, public GroupMirror {
   // An upload takes this long before it starts, as a real transfer would
   // (the demo shows the wait window). Default: none.
   void SetUploadDelay(std::chrono::milliseconds delay);
+  // A picture download takes this long before it starts. Default: none.
+  void SetDownloadDelay(std::chrono::milliseconds delay);
   // The user's own shared session, when the host is in one.
   std::optional<SharedSessionInfo> OwnSession() const;
   // The file name of a drawing of the space, empty when the reference is unknown.

@@ -66,6 +66,7 @@ struct LocalHostState {
   std::map<int32_t, std::vector<int32_t>> sessionMembers;  // group id -> accounts in its session
   std::vector<WString> openDrawings;                       // the host's open drawing files
   std::chrono::milliseconds uploadDelay{0};
+  std::chrono::milliseconds downloadDelay{0};
 
   DrawingMsgSender drawingMsgSender;
   HostNotifyCallback notifyCallback;

@@ -1,11 +1,13 @@
 // Conversation pictures are fetched off the window's thread, each once, and
-// the window is told which conversation's picture arrived.
+// every window that asked is told which picture arrived.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "host/local/local_host.h"
+#include "platform/module_workers.h"
+#include "service/face_downloads.h"
 #include "service/panes/face_fetcher.h"
 #include "service/posting.h"
 
@@ -42,6 +44,40 @@ TEST(FaceFetcher, FetchesEachPictureOnceAndAnnouncesItsConversation) {
   auto arrived = service::AdoptPosted<platform::msg::kConversationLogoChanged>(posted[0].wParam);
   EXPECT_EQ(arrived->value, u"10002");
   EXPECT_EQ(arrived->session, kSession);  // the window drops it once that session ended
+  host.Uninstall();
+}
+
+// Two windows ask for one picture while it is on its way: one download, and
+// both are told when it has arrived.
+TEST(FaceDownloads, EveryWindowThatAskedIsToldOfOneDownload) {
+  fs::path folder = fs::path(testing::TempDir()) / ("face-downloads-" + std::to_string(getpid()));
+  fs::remove_all(folder);
+  fs::create_directories(folder / "face");
+  std::ofstream(folder / "source.png") << "png";
+  host::local::LocalHost host((folder / "space").string());
+  host.Install();
+  host.SetDownloadDelay(std::chrono::milliseconds(200));  // still on its way at the second ask
+  platform::QueuedWindow dialog, chat;
+  service::StampedFolders session;
+  session.stamp = kSession;
+  session.folders.face = platform::Utf8ToUtf16((folder / "face").string());
+  const WString url = platform::Utf8ToUtf16((folder / "source.png").string());
+  service::FaceDownloads downloads;
+  EXPECT_EQ(downloads.CachedOrFetch(session, url, u"default", u"10004", dialog.handle()),
+            u"default");
+  EXPECT_EQ(downloads.CachedOrFetch(session, url, u"default", u"10004", chat.handle()), u"default");
+  EXPECT_EQ(downloads.CachedOrFetch(session, url, u"default", u"10004", chat.handle()), u"default");
+  platform::ModuleWorkers::Instance().WaitIdle();
+  const auto calls = host.CallNames();
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "DownloadPicture"), 1);
+  for (platform::QueuedWindow* window : {&dialog, &chat}) {
+    std::vector<platform::WindowMessage> posted = window->TakeAll();
+    ASSERT_EQ(posted.size(), 1u);
+    EXPECT_EQ(
+        service::AdoptPosted<platform::msg::kConversationLogoChanged>(posted[0].wParam)->value,
+        u"10004");
+  }
+  EXPECT_NE(downloads.CachedOrFetch(session, url, u"default", u"10004", chat.handle()), u"default");
   host.Uninstall();
 }
 
