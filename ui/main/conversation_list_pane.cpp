@@ -75,16 +75,14 @@ void ConversationListPane::FillRow(int row) {
   WString convId = rows_.UserData(row);
   std::optional<ConversationInfo_Stru> conv = source_.FindConversation(convId);
   if (!conv) return;  // gone since the rebuild; the next rebuild drops the row
-  Fill(row, *conv, source_.ConversationPicture(conv->conv_type, convId),
-       ConversationTimes(clock_()));
+  Fill(row, *conv, source_.ConversationPicture(conv->conv_type, convId));
 }
 
 void ConversationListPane::Fill(int row, const ConversationInfo_Stru& conv,
-                                const service::ConversationListSource::Picture& picture,
-                                const ConversationTimes& times) {
+                                const service::ConversationListSource::Picture& picture) {
   FillPicture(row, conv.conv_id, picture.path);
   rows_.SetText(row, kNickname, picture.name);
-  FillSummary(row, conv, times);
+  FillSummary(row, conv);
 }
 
 void ConversationListPane::FillPicture(int row, const WString& convId, const WString& path) {
@@ -94,19 +92,18 @@ void ConversationListPane::FillPicture(int row, const WString& convId, const WSt
   SetRowDot(rows_, row, kLogo, kConversationDot, !open && source_.IsUnread(convId));
 }
 
-void ConversationListPane::FillSummary(int row, const ConversationInfo_Stru& conv,
-                                       const ConversationTimes& times) {
+void ConversationListPane::FillSummary(int row, const ConversationInfo_Stru& conv) {
   for (std::string_view control : {kNickname, kDescription, kTime}) {
     rows_.Set(row, control, "userdata", conv.conv_id);
   }
   rows_.SetText(row, kDescription, ConversationPreview(conv.last_msg));
-  rows_.SetText(row, kTime, times.Text(conv.active_time));
+  rows_.SetText(row, kTime, ConversationTimeText(conv.active_time, clock_()));
 }
 
 void ConversationListPane::UpdateSummary(const WString& convId) {
   int row = rows_.Find(convId);
   std::optional<ConversationInfo_Stru> conv = source_.FindConversation(convId);
-  if (row >= 0 && conv) FillSummary(row, *conv, ConversationTimes(clock_()));
+  if (row >= 0 && conv) FillSummary(row, *conv);
 }
 
 void ConversationListPane::UpdatePicture(const WString& convId) {

@@ -71,10 +71,9 @@ class ConversationListPane {
   // The row's values, made when the row is first drawn or read.
   void FillRow(int row);
   void Fill(int row, const ConversationInfo_Stru& conv,
-            const service::ConversationListSource::Picture& picture,
-            const ConversationTimes& times);
+            const service::ConversationListSource::Picture& picture);
   void FillPicture(int row, const WString& convId, const WString& path);
-  void FillSummary(int row, const ConversationInfo_Stru& conv, const ConversationTimes& times);
+  void FillSummary(int row, const ConversationInfo_Stru& conv);
   void ShowEmptyChatPage();
   void Post(unsigned msg, WPARAM wParam = 0);
 

@@ -27,51 +27,18 @@ WString DateText(const std::tm& t) {
 
 }  // namespace
 
-ConversationTimes::ConversationTimes(std::time_t now) : now_(now) {
-  localtime_r(&now_, &today_);
-}
-
-const ConversationTimes::Day& ConversationTimes::DayOf(std::time_t when) const {
-  if (when >= day_.start && when < day_.end) return day_;
-  std::tm midnight{};
-  localtime_r(&when, &midnight);
+WString ConversationTimeText(uint64_t seconds, std::time_t now) {
+  std::time_t when = seconds == 0 ? now : static_cast<std::time_t>(seconds);
+  std::tm today{};
+  std::tm at{};
+  localtime_r(&now, &today);
+  localtime_r(&when, &at);
   // The dates are compared as numbers: their texts hold only digits and
   // dashes, so this is the case-blind text comparison.
-  bool today = midnight.tm_year == today_.tm_year && midnight.tm_mon == today_.tm_mon &&
-               midnight.tm_mday == today_.tm_mday;
-  WString date = DateText(midnight);
-  midnight.tm_hour = midnight.tm_min = midnight.tm_sec = 0;
-  midnight.tm_isdst = -1;  // the day may start in another offset than `when`
-  std::tm next = midnight;
-  ++next.tm_mday;
-  std::time_t start = mktime(&midnight);
-  std::time_t end = mktime(&next);
-  if (start == -1 || end == -1 || when < start || when >= end) {
-    // A calendar the library cannot convert back: this time alone.
-    start = when;
-    end = when + 1;
+  if (at.tm_year != today.tm_year || at.tm_mon != today.tm_mon || at.tm_mday != today.tm_mday) {
+    return DateText(at);
   }
-  day_ = Day{start, end, today, std::move(date)};
-  return day_;
-}
-
-WString ConversationTimes::Text(uint64_t seconds) const {
-  std::time_t when = seconds == 0 ? now_ : static_cast<std::time_t>(seconds);
-  const Day& day = DayOf(when);
-  if (!day.today) return day.date;
-  std::tm whenTm{};
-  if (day.end - day.start == 24 * 3600) {
-    std::time_t since = when - day.start;  // no clock change today
-    whenTm.tm_hour = static_cast<int>(since / 3600);
-    whenTm.tm_min = static_cast<int>(since % 3600 / 60);
-  } else {
-    localtime_r(&when, &whenTm);
-  }
-  return Format("%02d:%02d", whenTm.tm_hour, whenTm.tm_min);
-}
-
-WString ConversationTimeText(uint64_t seconds, std::time_t now) {
-  return ConversationTimes(now).Text(seconds);
+  return Format("%02d:%02d", at.tm_hour, at.tm_min);
 }
 
 // Each run of line breaks and tabs as one space: the preview has one line.
